@@ -1,0 +1,92 @@
+// The only code that touches a picture's stream.
+#ifndef LUMIGRAM_CORE_BASE_BYTE_SOURCE_H_
+#define LUMIGRAM_CORE_BASE_BYTE_SOURCE_H_
+
+#include <stdint.h>
+#include <stdio.h>
+
+#include <span>
+
+namespace lumigram {
+
+// Whether the stream is a regular file that is open for reading only. Then nothing can wait in the
+// stream's buffer to be written, and its descriptor and its size, as the file's status tells them,
+// can stand for the stream.
+bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size);
+
+// The largest file position that is accepted: what a 32-bit machine can tell.
+inline constexpr uint64_t kMaxPosition = INT32_MAX;
+
+// A cursor over the bytes of a stream that it borrows and never closes. It answers true or false
+// and decides no status: the operation that called it names what a false means there.
+//
+// A regular file that is open for reading only is read past the stream, by position and in blocks;
+// the stream is put where the walk stopped when the source goes out of scope. Every other stream (a
+// pipe, memory, one that is also written) is read through stdio, exactly as far as asked, so it
+// stands there at any time.
+//
+// Invariant, once measured: Position() <= the end that Measure() found. A file that grows meanwhile
+// is not read past it.
+class ByteSource {
+ public:
+  explicit ByteSource(FILE* stream);
+  ~ByteSource();
+  ByteSource(const ByteSource&) = delete;
+  ByteSource& operator=(const ByteSource&) = delete;
+
+  // Notes where the stream stands and where the file ends. False when the stream cannot tell, does
+  // not go back to where it stood, or ends beyond 2,147,483,647. A source that is not measured can
+  // still be read; it skips by reading.
+  [[nodiscard]] bool Measure();
+
+  // Reads exactly out.size() bytes; false on a short read.
+  [[nodiscard]] bool Read(std::span<uint8_t> out);
+  [[nodiscard]] bool ReadByte(uint8_t* out) {
+    if (next_ < filled_) {
+      *out = block_[next_++];
+      return true;
+    }
+    return Read({out, 1});
+  }
+  [[nodiscard]] bool ReadLe16(uint16_t* out);
+  [[nodiscard]] bool ReadBe16(uint16_t* out);
+  [[nodiscard]] bool ReadBe32(uint32_t* out);
+
+  // Moves forward. Past the end is true, and stops there: the next Read is short. False only when
+  // the stream refuses (or, unmeasured, is short).
+  [[nodiscard]] bool Skip(uint64_t n);
+
+  // Moves back over n bytes that were read. False when the stream refuses.
+  [[nodiscard]] bool Back(uint32_t n);
+
+  // Moves to where Measure() found the stream. False when the stream refuses.
+  [[nodiscard]] bool Rewind() { return MoveTo(start_); }
+
+  // From the file's start when it was measured, else from where the stream stood.
+  uint64_t Position() const { return blockStart_ + next_; }
+  // Bytes up to the end; 0 for a source that is not measured.
+  uint64_t Remaining() const { return measured_ ? end_ - Position() : 0; }
+
+ private:
+  static constexpr uint32_t kBlockSize = 4096;
+
+  bool MoveTo(uint64_t position);
+  bool ReadStream(std::span<uint8_t> out);
+  bool ReadFile(std::span<uint8_t> out);
+
+  FILE* const stream_;
+  int descriptor_ = -1;  // of a regular file that is read past the stream; -1: read through stdio
+  bool measured_ = false;
+  uint64_t start_ = 0;
+  uint64_t end_ = 0;
+  // block_[0, filled_) are the file's bytes from blockStart_ on, of which next_ have been taken.
+  // Through stdio the block stays empty and blockStart_ is the position.
+  uint64_t blockStart_ = 0;
+  uint32_t next_ = 0;
+  uint32_t filled_ = 0;
+  uint8_t block_[kBlockSize];
+};
+
+}  // namespace lumigram
+
+#endif  // LUMIGRAM_CORE_BASE_BYTE_SOURCE_H_

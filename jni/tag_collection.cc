@@ -1,0 +1,1 @@
+// The tag groups of a document, for a batch read.

@@ -1,0 +1,111 @@
+// The cursor over a picture's stream: block edges, clamping, and where the stream stands
+// afterwards.
+#include "core/base/byte_source.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "tests/support/bytes.h"
+
+namespace lumigram::test {
+namespace {
+
+Bytes Counting(size_t n) {
+  Bytes bytes(n);
+  for (size_t i = 0; i < n; ++i) bytes[i] = static_cast<uint8_t>(i * 7 + i / 256);
+  return bytes;
+}
+
+TEST(ByteSource, WalksTheSameWayBothWays) {
+  const Bytes bytes = Counting(20000);
+  for (Opened opened : kBothWays) {
+    ScopedFile stream = Stream(bytes, opened);
+    fseek(stream.get(), 5, SEEK_SET);
+    {
+      ByteSource source(stream.get());
+      ASSERT_TRUE(source.Measure());
+      EXPECT_EQ(source.Remaining(), 19995u);
+      uint8_t byte;
+      ASSERT_TRUE(source.ReadByte(&byte));
+      EXPECT_EQ(byte, bytes[5]);
+      // Over a block's edge, then a read of more than a block, then back into it.
+      ASSERT_TRUE(source.Skip(4094));
+      uint16_t pair;
+      ASSERT_TRUE(source.ReadBe16(&pair));
+      EXPECT_EQ(pair, bytes[4100] << 8 | bytes[4101]);
+      Bytes large(9000);
+      ASSERT_TRUE(source.Read(large));
+      EXPECT_EQ(large, Bytes(bytes.begin() + 4102, bytes.begin() + 13102));
+      ASSERT_TRUE(source.Back(9002));
+      ASSERT_TRUE(source.ReadLe16(&pair));
+      EXPECT_EQ(pair, bytes[4100] | bytes[4101] << 8);
+      EXPECT_EQ(source.Position(), 4102u);
+    }
+    EXPECT_EQ(ftell(stream.get()), 4102) << "the stream stands where the walk stopped";
+  }
+}
+
+TEST(ByteSource, StopsAtTheMeasuredEnd) {
+  const Bytes bytes = Counting(10);
+  for (Opened opened : kBothWays) {
+    ScopedFile stream = Stream(bytes, opened);
+    ByteSource source(stream.get());
+    ASSERT_TRUE(source.Measure());
+    Bytes out(11);
+    EXPECT_FALSE(source.Read(out));
+    EXPECT_FALSE(source.Back(1)) << "nothing was read";
+    ASSERT_TRUE(source.Skip(UINT64_MAX)) << "a skip past the end stops there";
+    EXPECT_EQ(source.Position(), 10u);
+    uint8_t byte;
+    EXPECT_FALSE(source.ReadByte(&byte));
+    ASSERT_TRUE(source.Rewind());
+    out.resize(10);
+    EXPECT_TRUE(source.Read(out));
+    EXPECT_EQ(out, bytes);
+  }
+}
+
+TEST(ByteSource, ReadsAPipeExactlyAsFarAsAsked) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_EQ(write(ends[1], "abcdef", 6), 6);
+  close(ends[1]);
+  ScopedFile stream(fdopen(ends[0], "rb"));
+  {
+    ByteSource source(stream.get());
+    EXPECT_FALSE(source.Measure());
+    EXPECT_EQ(source.Remaining(), 0u);
+    ASSERT_TRUE(source.Skip(2));
+    uint8_t byte;
+    ASSERT_TRUE(source.ReadByte(&byte));
+    EXPECT_EQ(byte, 'c');
+  }
+  EXPECT_EQ(fgetc(stream.get()), 'd');
+}
+
+TEST(ByteSource, AFileThatChangesBetweenMeasuringAndReading) {
+  TempFolder folder;
+  const std::string path = folder.Write("a", Counting(100));
+  ScopedFile stream(fopen(path.c_str(), "rb"));
+  ByteSource source(stream.get());
+  ASSERT_TRUE(source.Measure());
+  folder.Write("a", Counting(5000));
+  uint8_t byte;
+  ASSERT_TRUE(source.ReadByte(&byte));
+  EXPECT_EQ(source.Remaining(), 99u) << "growth is not seen";
+  ASSERT_TRUE(source.Skip(1000));
+  EXPECT_FALSE(source.ReadByte(&byte));
+  ASSERT_TRUE(source.Rewind());
+  folder.Write("a", Counting(3));
+  Bytes out(100);
+  EXPECT_TRUE(source.Read(out)) << "still in the block";
+  ScopedFile again(fopen(path.c_str(), "rb"));
+  ByteSource shrinking(again.get());
+  ASSERT_TRUE(shrinking.Measure());
+  folder.Write("a", {});
+  EXPECT_FALSE(shrinking.ReadByte(&byte));
+}
+
+}  // namespace
+}  // namespace lumigram::test

@@ -1,0 +1,77 @@
+// Bytes of pictures, built in code, and streams over them.
+#ifndef LUMIGRAM_TESTS_SUPPORT_BYTES_H_
+#define LUMIGRAM_TESTS_SUPPORT_BYTES_H_
+
+#include <stdint.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/scoped.h"
+
+namespace lumigram::test {
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes Text(std::string_view text) {
+  return Bytes(text.begin(), text.end());
+}
+inline Bytes Le16(uint32_t v) {
+  return {uint8_t(v), uint8_t(v >> 8)};
+}
+inline Bytes Be16(uint32_t v) {
+  return {uint8_t(v >> 8), uint8_t(v)};
+}
+inline Bytes Be32(uint32_t v) {
+  return {uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)};
+}
+
+inline Bytes operator+(Bytes a, const Bytes& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+inline Bytes& operator+=(Bytes& a, const Bytes& b) {
+  return a = std::move(a) + b;
+}
+
+// The bytes with those at `at` replaced by `with`.
+inline Bytes Patched(Bytes bytes, size_t at, const Bytes& with) {
+  std::copy(with.begin(), with.end(), bytes.begin() + static_cast<ptrdiff_t>(at));
+  return bytes;
+}
+inline Bytes FirstOf(const Bytes& bytes, size_t n) {
+  return Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(n));
+}
+
+// How a stream over bytes in memory is opened: both kinds must give the same results.
+enum class Opened {
+  kForReading,  // as OpenFile does: a regular file, read in blocks past the stream
+  kForUpdate,   // read through stdio
+};
+inline constexpr Opened kBothWays[] = {Opened::kForReading, Opened::kForUpdate};
+
+// A stream over a copy of the bytes, at their start.
+ScopedFile Stream(const Bytes& bytes, Opened opened = Opened::kForReading);
+
+// A folder of its own for the test, removed with all it holds at the end of the scope.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  std::string Path(std::string_view name) const { return path_ + "/" + std::string(name); }
+  // Writes a file and returns its path.
+  std::string Write(std::string_view name, const Bytes& bytes) const;
+
+ private:
+  std::string path_;
+};
+
+Bytes ReadWhole(const std::string& path);
+
+}  // namespace lumigram::test
+
+#endif  // LUMIGRAM_TESTS_SUPPORT_BYTES_H_
