@@ -34,6 +34,10 @@ inline constexpr char kTagsStart[] = "<tags name=\"";
 inline constexpr char kAttributeEnd[] = "\">";
 inline constexpr char kTagsEnd[] = "</tags>";
 
+// The characters that the limit of 24 counts: printable ASCII and the lead bytes of longer ones.
+// Control characters, continuation bytes and F8 to FF are free.
+uint32_t CountCharacters(std::string_view text);
+
 // The URI of a blob that the picture itself carries: this, followed by the blob's file name.
 inline constexpr std::string_view kThisPicture = "file://THIS/";
 

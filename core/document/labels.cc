@@ -1,0 +1,62 @@
+// The labels of a document, taken into the attribute record.
+#include <string.h>
+
+#include "core/base/status.h"
+#include "core/document/document_format.h"
+
+namespace lumigram {
+namespace {
+
+// Takes name, note and part of one label, in any order, out of its own text. What a count does not
+// cover was refused.
+int32_t ReadLabel(char* label, AttrInfo* attr) {
+  const int32_t i = attr->nameCount;
+  if (GetElementContent(label, kNameStart, kNameEnd, attr->name[i]) != kOk) return kFailed;
+  if (GetStrLenUtf8(attr->name[i]) > kLumigramMaxCharacters) return kFailed;
+  ++attr->nameCount;
+
+  const int32_t note = GetElementContent(label, kNoteStart, kNoteEnd, attr->note[i]);
+  if (note != kOk && note != kNoTags) return note;
+  if (GetStrLenUtf8(attr->note[i]) > kLumigramMaxCharacters) return kFailed;
+  ++attr->noteCount;
+
+  const int32_t part = GetElementContent(label, kPartStart, kPartEnd, attr->part[i]);
+  if (part != kOk && part != kNoTags) return part;
+  ++attr->partCount;
+  return kOk;
+}
+
+// Reads labels until none is left (kNoTags), ten are read (kOk), or one is not usable (any other
+// status).
+int32_t ReadLabels(const char* position, AttrInfo* attr) {
+  char label[kLumigramDocumentBufferBytes];
+  while (attr->partCount < kLumigramMaxLabels) {
+    const char* const start = strstr(position, kLabelStart);
+    const char* const end = strstr(position, kLabelEnd);
+    if (int32_t state = CheckTagState(start, end); state != kOk) return state;
+    ++attr->labelCount;
+    position = end + strlen(kLabelEnd);
+    if (end < start || position - start > kLumigramMaxDocumentBytes) return kFailed;
+    const size_t size = static_cast<size_t>(position - start);
+    memcpy(label, start, size);
+    label[size] = '\0';
+    if (int32_t status = ReadLabel(label, attr); status != kOk) return status;
+  }
+  return kOk;
+}
+
+}  // namespace
+}  // namespace lumigram
+
+using namespace lumigram;
+
+int32_t GetLabelInfo(char* doc, AttrInfo* attr) {
+  if (doc == nullptr || attr == nullptr) return kBadArgument;
+  if (!BeginsWith(std::string_view(doc), kRootStart)) return kBadLabels;
+  char* const rootEnd = strstr(doc, kRootEnd);
+  if (rootEnd == nullptr) return kBadLabels;
+  rootEnd[strlen(kRootEnd)] = '\0';
+
+  const int32_t end = ReadLabels(doc, attr);
+  return attr->labelCount > 0 && (end == kOk || end == kNoTags) ? kOk : kBadLabels;
+}
