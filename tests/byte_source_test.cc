@@ -66,6 +66,26 @@ TEST(ByteSource, StopsAtTheMeasuredEnd) {
   }
 }
 
+TEST(ByteSource, FindsAPairWhereverBlocksEnd) {
+  for (Opened opened : kBothWays) {
+    for (size_t at : {0u, 1u, 4093u, 4094u, 4095u, 4096u, 8191u, 9000u}) {
+      // Halves of the pair lie before it, and one more of its first byte directly.
+      Bytes bytes(at, 0xD9);
+      if (at > 1) bytes[0] = bytes[at - 1] = 0xFF;
+      bytes += Bytes{0xFF, 0xD9, 7};
+      ScopedFile stream = Stream(bytes, opened);
+      ByteSource source(stream.get());
+      ASSERT_TRUE(source.Measure());
+      Bytes before(at > 1 ? 1 : 0);
+      ASSERT_TRUE(source.Read(before)) << "what was read before does not count";
+      ASSERT_TRUE(source.SkipPast(0xFF, 0xD9)) << at;
+      EXPECT_EQ(source.Position(), at + 2);
+      EXPECT_FALSE(source.SkipPast(0xFF, 0xD9));
+      EXPECT_EQ(source.Remaining(), 0u);
+    }
+  }
+}
+
 TEST(ByteSource, ReadsAPipeExactlyAsFarAsAsked) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

@@ -123,6 +123,20 @@ bool ByteSource::Skip(uint64_t n) {
   return true;
 }
 
+// What waits in the block is searched at once; the pair may begin there and end in the next one.
+bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
+  uint8_t byte;
+  for (bool afterFirst = false;; afterFirst = byte == first) {
+    if (!afterFirst && next_ < filled_) {
+      const void* hit = memchr(block_ + next_, first, filled_ - next_);
+      next_ = hit == nullptr ? filled_
+                             : static_cast<uint32_t>(static_cast<const uint8_t*>(hit) - block_);
+    }
+    if (!ReadByte(&byte)) return false;
+    if (afterFirst && byte == second) return true;
+  }
+}
+
 bool ByteSource::Back(uint32_t n) {
   return n <= Position() && MoveTo(Position() - n);
 }

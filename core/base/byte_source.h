@@ -59,6 +59,9 @@ class ByteSource {
   // Moves back over n bytes that were read. False when the stream refuses.
   [[nodiscard]] bool Back(uint32_t n);
 
+  // Moves behind the next occurrence of two bytes in a row. False, at the end, when there is none.
+  [[nodiscard]] bool SkipPast(uint8_t first, uint8_t second);
+
   // Moves to where Measure() found the stream. False when the stream refuses.
   [[nodiscard]] bool Rewind() { return MoveTo(start_); }
 
