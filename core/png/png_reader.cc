@@ -1,0 +1,64 @@
+// The document and the dimensions of a PNG picture.
+#include <string.h>
+
+#include "core/base/status.h"
+#include "core/document/document_format.h"
+#include "core/png/png_format.h"
+
+namespace lumigram {
+namespace {
+
+// Reads the text of a chunk that has our keyword, and its CRC. A text that is over the limit, or
+// empty, is refused even when the document has been taken already.
+Status ReadDocument(ByteSource& source, uint32_t textSize, char* xmlBuf, bool* taken) {
+  if (textSize == 0 || textSize > kLumigramMaxDocumentBytes) return kTooLong;
+  uint8_t text[kLumigramMaxDocumentBytes + kChunkCrcSize];
+  const std::span<uint8_t> read(text, textSize + kChunkCrcSize);
+  if (!source.Read(read)) return kMalformed;
+  if (!*taken && textSize >= kMinPngDocument && BeginsWith(read, kRootStart)) {
+    memcpy(xmlBuf, text, textSize);
+    *taken = true;
+  }
+  return kOk;
+}
+
+Status ReadTextChunk(ByteSource& source, const ChunkHeader& chunk, char* xmlBuf, bool* taken) {
+  uint8_t keyword[kDocumentKeyword.size()];
+  if (!source.Read(keyword)) return kMalformed;
+  // Of a chunk that is shorter than the keyword, this wraps around to more than any file has.
+  const uint32_t textSize = chunk.length - static_cast<uint32_t>(kDocumentKeyword.size());
+  if (textSize > source.Remaining()) return kBadStream;
+  if (BeginsWith(keyword, kDocumentKeyword)) return ReadDocument(source, textSize, xmlBuf, taken);
+  return source.Skip(uint64_t{textSize} + kChunkCrcSize) ? kOk : kBadStream;
+}
+
+Status ReadChunks(ByteSource& source, char* xmlBuf) {
+  bool taken = false;
+  for (;;) {
+    ChunkHeader chunk;
+    if (!ReadChunkHeader(source, &chunk)) return kMalformed;
+    if (chunk.type == kEndChunk) return kOk;
+    if (chunk.type == kTextChunk) {
+      if (Status s = ReadTextChunk(source, chunk, xmlBuf, &taken); s != kOk) return s;
+    } else if (!SkipChunkData(source, chunk)) {
+      return kMalformed;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lumigram
+
+using namespace lumigram;
+
+int32_t GetXmlStringFromPng(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
+  if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
+  ByteSource source(stream);
+  if (!source.Measure()) return kBadStream;
+  PngHead head;
+  if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
+  *width = head.Width();
+  *height = head.Height();
+  if (*width > kLumigramMaxPixels || *height > kLumigramMaxPixels) return kDimensions;
+  return ReadChunks(source, xmlBuf);
+}
