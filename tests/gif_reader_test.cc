@@ -138,7 +138,7 @@ TEST(GifReader, EveryTruncation) {
     whole += piece;
     ends.push_back(whole.size());
   }
-  for (size_t n = 1; n < whole.size(); ++n) {
+  for (size_t n = 0; n < whole.size(); ++n) {
     // One byte more than a block, whatever it is, is taken for the trailer.
     const bool complete = std::find(ends.begin() + 1, ends.end(), n - 1) != ends.end();
     EXPECT_EQ(Read(FirstOf(whole, n)).substr(0, 2), complete ? "0 " : "-3") << n;
