@@ -6,8 +6,6 @@
 #include "core/document/document_format.h"
 #include "core/gif/gif_format.h"
 
-using namespace lumigram;
-
 namespace lumigram {
 namespace {
 
@@ -131,6 +129,8 @@ Status DocumentReader::TakeSubBlock(std::span<const uint8_t> block) {
 
 }  // namespace
 }  // namespace lumigram
+
+using namespace lumigram;
 
 int32_t GetXmlStringFromGif(FILE* stream, char* xmlBuf, int32_t* height, int32_t* width,
                             int32_t* pop) {
