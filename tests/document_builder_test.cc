@@ -20,7 +20,7 @@ const std::string k25Characters = k24Characters + "x";
 
 // Tag groups that bring the document of an otherwise empty record to the given size.
 void FillTo(size_t size, AttrInfo& attr) {
-  constexpr size_t kRoot = strlen("<emoji></emoji>"), kGroup = strlen("<tags name=\"n\"></tags>");
+  const size_t kRoot = strlen("<emoji></emoji>"), kGroup = strlen("<tags name=\"n\"></tags>");
   size_t left = size - kRoot;
   for (TagEntry* tag = attr.tag; left > 0; ++tag) {
     // Never leave less than a group needs.
