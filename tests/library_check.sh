@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Looks into the built library: what it needs, what it exports, how it is laid out. Usage: tests/library_check.sh BUILD_FOLDER
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+library=$1/libLumigramJniNative.so
+[ -f "$library" ] || { echo "FAIL there is no $library"; exit 1; }
+failures=0
+
+# same NAME WANTED GOT: two lists of lines
+same() {
+  if [ "$2" = "$3" ]; then echo "PASS $1"; return; fi
+  echo "FAIL $1 (< wanted, > got)"
+  diff <(echo "$2") <(echo "$3")
+  failures=$((failures + 1))
+}
+
+dynamic=$(readelf -dW "$library") segments=$(readelf -lW "$library") symbols=$(readelf --dyn-syms -W "$library")
+
+same "needs only libc" "libc.so.6" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic")"
+
+# Functions of the header, and native methods of the Java class: each must be there, and nothing else.
+# Still to be built:
+pending="
+  GetApplicationExtensionDataFromGif GetApplicationExtensionDataFromPng GetSizeApplicationExtensionFromGif
+  GetSizeApplicationExtensionFromPng GetSizeColorTable GetTagInfo GetXmlString GetXmlStringFromGif GetXmlStringFromJpg
+  GetXmlStringFromPng IsAcceptPopCommentData SetXmlStringToFile Java_lumigram_jni_LumigramJni_getLumigramAttrInfo
+  Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo Java_lumigram_jni_LumigramJni_getLumigramTagInfo
+  Java_lumigram_jni_LumigramJni_setLumigramAttrInfo"
+functions=$(sed -nE 's/^LUMIGRAM_API .*[ *]([A-Z][A-Za-z0-9]*)\(.*/\1/p' "$root/include/lumigram.h")
+natives=$(sed -nE 's/.* native .* ([a-z][A-Za-z0-9]*)\(.*/Java_lumigram_jni_LumigramJni_\1/p' \
+  "$root/java/src/main/java/lumigram/jni/LumigramJni.java")
+exported=$(awk '$5 != "LOCAL" && $7 != "UND" && $8 != "" && $8 != "Name" { print $8 }' <<<"$symbols")
+same "exports the header's functions and the native methods" \
+  "$(printf '%s\n' "$functions" "$natives" | grep -vxF "$(printf '%s\n' $pending)" | sort)" "$(sort <<<"$exported")"
+
+same "no text relocations" "" "$(grep -E 'TEXTREL' <<<"$dynamic")"
+same "stack not executable" "RW" "$(awk '$1 == "GNU_STACK" { print $7 }' <<<"$segments")"
+same "segments for 16 KiB pages" "0x4000" "$(awk '$1 == "LOAD" { print $NF }' <<<"$segments" | sort -u)"
+same "no segment writable and executable" "" "$(grep -E '^ *LOAD .*RWE' <<<"$segments")"
+same "relocations read-only from the start" "GNU_RELRO BIND_NOW" \
+  "$(grep -ow GNU_RELRO <<<"$segments" | head -n 1) $(grep -owE 'BIND_NOW' <<<"$dynamic" | head -n 1)"
+same "header compiles as C11" "" "$(cc -std=c11 -Wall -Wextra -Wpedantic -fsyntax-only -x c "$root/include/lumigram.h" 2>&1)"
+[ $failures -eq 0 ]
