@@ -105,24 +105,24 @@ TEST(GifReader, PopFlag) {
     EXPECT_EQ(Read(kScreen + c.blocks + kEnd), Result(0, 100, 80, c.pop)) << &c - cases;
     EXPECT_EQ(Read(GifScreen(1, 1, "GIF87a") + c.blocks + kEnd), Result(0, 40, 30, 0));
   }
-  const char* const good[] = {"a\r\nEmojiID=az.AZ_09-", "a\r\n\r\n \xFF EmojiID EmojiID=b"};
-  for (const char* text : good) {
-    const Bytes creator = GifComment("Creator=" + std::string(text));
-    EXPECT_EQ(Read(kScreen + kGifPopMarker + creator + kEnd), Result(0, 100, 80, 1)) << text;
-  }
-  const char* const wrong[] = {"",
-                               "a",
-                               "\r\nEmojiID=b",
-                               "a\nEmojiID=b",
-                               "a\rEmojiID=b",
-                               "a b\r\nEmojiID=b",
-                               "a\r\nEmojiId=b",
-                               "a\r\nEmojiID=",
-                               "a\r\nEmojiID=b\r\n",
-                               "a\r\nEmojiID=\xC3\xA9"};
-  for (const char* text : wrong) {
-    const Bytes creator = GifComment("Creator=" + std::string(text));
-    EXPECT_EQ(Read(kScreen + kGifPopMarker + creator + kEnd), Result(0, 100, 80, 0)) << text;
+  const struct {
+    const char* text;
+    int32_t pop;
+  } creators[] = {{"a\r\nEmojiID=az.AZ_09-", 1},
+                  {"a\r\n\r\n \xFF EmojiID EmojiID=b", 1},
+                  {"", 0},
+                  {"a", 0},
+                  {"\r\nEmojiID=b", 0},
+                  {"a\nEmojiID=b", 0},
+                  {"a\rEmojiID=b", 0},
+                  {"a b\r\nEmojiID=b", 0},
+                  {"a\r\nEmojiId=b", 0},
+                  {"a\r\nEmojiID=", 0},
+                  {"a\r\nEmojiID=b\r\n", 0},
+                  {"a\r\nEmojiID=\xC3\xA9", 0}};
+  for (const auto& c : creators) {
+    const Bytes comment = GifComment("Creator=" + std::string(c.text));
+    EXPECT_EQ(Read(kScreen + kGifPopMarker + comment + kEnd), Result(0, 100, 80, c.pop)) << c.text;
   }
   // Where the marker could be, its eleven bytes are looked at, whatever the block's size.
   const Bytes tiny = GifApplication("", Bytes(10, 0));

@@ -2,6 +2,10 @@
 
 namespace lumigram {
 
+bool ReadSubBlock(ByteSource& source, GifSubBlock* block) {
+  return source.ReadByte(&block->size) && source.Read({block->bytes, block->size});
+}
+
 Status SkipChain(ByteSource& source, uint8_t size) {
   while (size != 0) {
     if (!source.Skip(size)) return kBadStream;

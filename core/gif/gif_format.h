@@ -5,7 +5,7 @@
 
 #include <stdint.h>
 
-#include <string_view>
+#include <span>
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
@@ -42,6 +42,15 @@ struct GifImage {
   uint16_t Height() const { return LoadLe16(bytes + 6); }
   uint8_t Packed() const { return bytes[8]; }
 };
+
+struct GifSubBlock {
+  uint8_t size;  // 0: the terminator of its chain, without bytes
+  uint8_t bytes[kMaxSubBlock];
+  std::span<const uint8_t> Data() const { return {bytes, size}; }
+};
+
+// False when the source is short.
+[[nodiscard]] bool ReadSubBlock(ByteSource& source, GifSubBlock* block);
 
 // Whether a screen or an image is small enough to be read.
 template <typename Sized>

@@ -1,0 +1,165 @@
+// Measures the blobs of a GIF picture, and copies one out of it.
+#include "core/gif/gif_blobs.h"
+
+#include <string_view>
+
+#include "core/base/output_buffer.h"
+#include "core/document/document_format.h"
+#include "core/gif/gif_format.h"
+
+using namespace lumigram;
+
+namespace lumigram {
+namespace {
+
+// No label or name that is looked for is longer.
+constexpr size_t kMaxWanted = 12289;
+
+// What a block of ours takes before its first sub-block: introducer, label, the identifier's size
+// and the identifier.
+constexpr uint32_t kBlockHead = 3 + kBlobLabelSize;
+
+Status ReadScreen(ByteSource& source, GifScreen* screen) {
+  if (!source.Measure()) return kBadStream;
+  return source.Read(screen->bytes) ? kOk : kMalformed;
+}
+
+class BlobMeter : public GifHandler {
+ public:
+  // The name's data() is null to count all blobs.
+  BlobMeter(std::string_view fileName, uint32_t* size) : fileName_(fileName), size_(size) {}
+
+  Status OnApplication(ByteSource& source);
+
+ private:
+  Status CountChain(ByteSource& source);
+  Status CountNamed(ByteSource& source);
+
+  const std::string_view fileName_;
+  uint32_t* const size_;
+};
+
+Status BlobMeter::OnApplication(ByteSource& source) {
+  GifSubBlock identifier;
+  if (!ReadSubBlock(source, &identifier)) return kMalformed;
+  if (identifier.size == 0) return kOk;
+  if (!BeginsWith(identifier.Data(), kBlobMark)) return SkipChain(source);
+  if (fileName_.data() != nullptr) return CountNamed(source);
+  *size_ += kBlockHead;
+  return CountChain(source);
+}
+
+Status BlobMeter::CountNamed(ByteSource& source) {
+  GifSubBlock name;
+  if (!ReadSubBlock(source, &name)) return kMalformed;
+  if (BeginsWith(name.Data(), fileName_)) {
+    *size_ = kBlockHead + 1 + name.size;
+    done = true;
+  }
+  if (name.size == 0) return kOk;
+  return done ? CountChain(source) : SkipChain(source);
+}
+
+// Counts only what the file has: a truncated picture must not seem to hold more than its size.
+Status BlobMeter::CountChain(ByteSource& source) {
+  uint8_t size;
+  do {
+    if (!source.ReadByte(&size)) return kMalformed;
+    *size_ += 1;
+    if (size > source.Remaining()) return kMalformed;
+    if (!source.Skip(size)) return kBadStream;
+    *size_ += size;
+  } while (size != 0);
+  return kOk;
+}
+
+class BlobCopier : public GifHandler {
+ public:
+  BlobCopier(std::string_view label, std::string_view fileName, OutputBuffer data,
+             uint32_t* dataLength)
+      : label_(label), fileName_(fileName), data_(data), dataLength_(dataLength) {}
+
+  Status OnApplication(ByteSource& source);
+
+ private:
+  Status CompareLabel(ByteSource& source, bool* matches);
+  Status CopyChain(ByteSource& source);
+
+  const std::string_view label_;
+  const std::string_view fileName_;
+  OutputBuffer data_;
+  uint32_t* const dataLength_;
+};
+
+Status BlobCopier::OnApplication(ByteSource& source) {
+  uint8_t size;
+  if (!source.ReadByte(&size)) return kMalformed;
+  bool matches;
+  if (Status s = CompareLabel(source, &matches); s != kOk) return s;
+  if (!matches || size == 0) return SkipChain(source, size);
+  if (!source.Skip(size)) return kBadStream;
+  GifSubBlock name;
+  if (!ReadSubBlock(source, &name)) return kMalformed;
+  done = BeginsWith(name.Data(), fileName_);
+  if (name.size == 0) return kOk;
+  return done ? CopyChain(source) : SkipChain(source);
+}
+
+// The label is compared with as many bytes as it has, whatever the identifier's size, and the
+// source is back at the identifier.
+Status BlobCopier::CompareLabel(ByteSource& source, bool* matches) {
+  uint8_t storage[kMaxWanted];
+  const std::span<uint8_t> bytes(storage, label_.size());
+  if (!source.Read(bytes)) return kMalformed;
+  *matches = BeginsWith(bytes, label_);
+  return source.Back(static_cast<uint32_t>(bytes.size())) ? kOk : kBadStream;
+}
+
+Status BlobCopier::CopyChain(ByteSource& source) {
+  uint8_t size;
+  if (!source.ReadByte(&size)) return kMalformed;
+  while (size != 0) {
+    if (Status s = CopyBytes(source, size, data_); s != kOk) return s;
+    *dataLength_ = data_.Size();
+    if (!source.ReadByte(&size)) return kMalformed;
+  }
+  return kOk;
+}
+
+}  // namespace
+
+Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
+                       const char* fileName, uint32_t capacity) {
+  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
+      fileName == nullptr)
+    return kBadArgument;
+  *dataLength = 0;
+  if (strlen(label) > kMaxWanted || strlen(fileName) > kMaxWanted) return kBadArgument;
+  ByteSource source(stream);
+  GifScreen screen;
+  if (Status s = ReadScreen(source, &screen); s != kOk) return s;
+  if (!IsEmojiSized(screen)) return kDimensions;
+  BlobCopier copier(label, fileName, OutputBuffer(data, capacity), dataLength);
+  return WalkGifBlocks(source, screen, copier);
+}
+
+}  // namespace lumigram
+
+int32_t GetSizeApplicationExtensionFromGif(FILE* stream, uint32_t* size, const char* fileName) {
+  if (stream == nullptr || size == nullptr) return kBadArgument;
+  *size = 0;
+  const std::string_view name = fileName == nullptr ? std::string_view() : fileName;
+  if (name.size() > kMaxWanted) return kBadArgument;
+  ByteSource source(stream);
+  GifScreen screen;
+  if (Status s = ReadScreen(source, &screen); s != kOk) return s;
+  BlobMeter meter(name, size);
+  if (Status s = WalkGifBlocks(source, screen, meter); s != kOk) return s;
+  return source.Rewind() ? kOk : kBadStream;
+}
+
+int32_t GetApplicationExtensionDataFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength,
+                                           const char* label, const char* fileName) {
+  // The caller's promise is that the file's size is enough.
+  return CopyBlobFromGif(stream, data, dataLength, label, fileName, UINT32_MAX);
+}
