@@ -31,6 +31,8 @@ inline Bytes PngStart(uint32_t width = 32, uint32_t height = 16) {
 }
 inline const Bytes kPngImage = PngChunk("IDAT", Text("pixels"));
 inline const Bytes kPngEnd = PngChunk("IEND", {});
+// Claims 2^32 - 4 bytes: in 32 bits, a skip over them and the CRC would go nowhere.
+inline const Bytes kPngHuge = FirstOf(PngChunkClaiming(0u - 4, "abCd", {}), 8);
 
 inline Bytes PngDocument(std::string_view text) {
   return PngChunk("tEXt", Text("Emoji") + Bytes{0} + Text(text));

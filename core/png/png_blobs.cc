@@ -1,0 +1,145 @@
+// The blobs of a PNG picture: what they take, and one of them.
+#include "core/png/png_blobs.h"
+
+#include <string.h>
+
+#include "core/document/document_format.h"
+#include "core/png/png_format.h"
+
+namespace lumigram {
+namespace {
+
+// Longer labels and names than this are not looked for.
+constexpr size_t kMaxWantedSize = 65536;
+
+constexpr uint32_t kLabelAndNameLengthSize = kBlobLabelSize + 4;
+
+struct Wanted {
+  std::string_view label;
+  std::string_view name;
+};
+
+// Reads as many bytes as the text has, whether they are equal or not; false on a short read.
+bool Compare(ByteSource& source, std::string_view text, bool* equal) {
+  *equal = true;
+  while (!text.empty()) {
+    uint8_t piece[256];
+    const size_t size = text.size() < sizeof(piece) ? text.size() : sizeof(piece);
+    if (!source.Read({piece, size})) return false;
+    *equal = *equal && memcmp(piece, text.data(), size) == 0;
+    text.remove_prefix(size);
+  }
+  return true;
+}
+
+// Whether the chunk is a blob of ours and, with a name, the one whose name begins with it. The
+// source is back at the chunk's data afterwards.
+Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
+  uint8_t fields[kLabelAndNameLengthSize];
+  const std::span<uint8_t> mark(fields, kBlobMark.size());
+  if (!source.Read(mark)) return kMalformed;
+  uint32_t taken = static_cast<uint32_t>(mark.size());
+  *counted = BeginsWith(mark, kBlobMark);
+  if (*counted && fileName != nullptr) {
+    const std::string_view name(fileName);
+    const std::span<uint8_t> rest(fields + mark.size(), sizeof(fields) - mark.size());
+    if (!source.Read(rest) || !Compare(source, name, counted)) return kMalformed;
+    taken = static_cast<uint32_t>(sizeof(fields) + name.size());
+  }
+  return source.Back(taken) ? kOk : kBadStream;
+}
+
+Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
+  for (;;) {
+    ChunkHeader chunk;
+    if (!ReadChunkHeader(source, &chunk)) return kMalformed;
+    if (chunk.type == kEndChunk) return kOk;
+    if (chunk.type == kBlobChunk) {
+      bool counted;
+      if (Status s = IsCounted(source, fileName, &counted); s != kOk) return s;
+      if (counted) *size += kChunkHeaderSize + chunk.length + kChunkCrcSize;
+      if (counted && fileName != nullptr) return kOk;
+    }
+    if (!SkipChunkData(source, chunk)) return kBadStream;
+  }
+}
+
+// Whether the chunk is the blob that is wanted. The source then stands at its data length, else
+// back at the chunk's data. A label over 11 bytes is compared with what follows the label, too.
+Status IsWanted(ByteSource& source, const Wanted& wanted, bool* found) {
+  if (!Compare(source, wanted.label, found)) return kMalformed;
+  if (!source.Back(static_cast<uint32_t>(wanted.label.size()))) return kBadStream;
+  if (!*found) return kOk;
+  uint8_t label[kBlobLabelSize];
+  uint32_t nameLength;
+  if (!source.Read(label) || !source.ReadBe32(&nameLength) ||
+      !Compare(source, wanted.name, found)) {
+    return kMalformed;
+  }
+  const uint32_t wantedLength = static_cast<uint32_t>(wanted.name.size());
+  if (!*found) return source.Back(kLabelAndNameLengthSize + wantedLength) ? kOk : kBadStream;
+  // What the stored name has more than the wanted one lies before the data length.
+  return nameLength <= wantedLength || source.Skip(nameLength - wantedLength) ? kOk : kBadStream;
+}
+
+Status FindBlob(ByteSource& source, const Wanted& wanted, bool* found) {
+  for (*found = false;;) {
+    ChunkHeader chunk;
+    if (!ReadChunkHeader(source, &chunk)) return kMalformed;
+    if (chunk.type == kEndChunk) return kOk;
+    if (chunk.type == kBlobChunk) {
+      if (Status s = IsWanted(source, wanted, found); s != kOk || *found) return s;
+    }
+    if (!SkipChunkData(source, chunk)) return kBadStream;
+  }
+}
+
+}  // namespace
+
+Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t capacity, uint32_t* dataLength,
+                       const char* label, const char* fileName) {
+  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
+      fileName == nullptr) {
+    return kBadArgument;
+  }
+  *dataLength = 0;
+  const Wanted wanted{label, fileName};
+  if (wanted.label.size() > kMaxWantedSize || wanted.name.size() > kMaxWantedSize) {
+    return kBadArgument;
+  }
+  ByteSource source(stream);
+  if (!source.Measure()) return kBadStream;
+  PngHead head;
+  if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
+  if (head.Width() > kLumigramMaxPixels || head.Height() > kLumigramMaxPixels) return kDimensions;
+  bool found;
+  if (Status s = FindBlob(source, wanted, &found); s != kOk || !found) return s;
+  uint32_t size;
+  if (!source.ReadBe32(&size)) return kMalformed;
+  if (size > source.Remaining()) return kBadBlob;
+  if (size > capacity) return kNoRoom;
+  if (!source.Read({data, size})) return kMalformed;
+  *dataLength = size;
+  return kOk;
+}
+
+}  // namespace lumigram
+
+using namespace lumigram;
+
+int32_t GetSizeApplicationExtensionFromPng(FILE* stream, uint32_t* size, const char* fileName) {
+  if (stream == nullptr || size == nullptr) return kBadArgument;
+  *size = 0;
+  if (fileName != nullptr && strlen(fileName) > kMaxWantedSize) return kBadArgument;
+  ByteSource source(stream);
+  if (!source.Measure()) return kBadStream;
+  PngHead head;
+  if (!source.Read(head.bytes)) return kMalformed;
+  if (Status s = CountBlobs(source, fileName, size); s != kOk) return s;
+  return source.Rewind() ? kOk : kBadStream;
+}
+
+int32_t GetApplicationExtensionDataFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength,
+                                           const char* label, const char* fileName) {
+  return CopyBlobFromPng(stream, data, UINT32_MAX, dataLength, label, fileName);
+}
