@@ -21,9 +21,7 @@ same "needs only libc" "libc.so.6" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<
 # Functions of the header, and native methods of the Java class: each must be there, and nothing else.
 # Still to be built:
 pending="
-  GetApplicationExtensionDataFromGif GetApplicationExtensionDataFromPng GetSizeApplicationExtensionFromGif
-  GetSizeApplicationExtensionFromPng GetSizeColorTable GetTagInfo GetXmlString GetXmlStringFromGif GetXmlStringFromJpg
-  GetXmlStringFromPng IsAcceptPopCommentData SetXmlStringToFile Java_lumigram_jni_LumigramJni_getLumigramAttrInfo
+  SetXmlStringToFile Java_lumigram_jni_LumigramJni_getLumigramAttrInfo
   Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo Java_lumigram_jni_LumigramJni_getLumigramTagInfo
   Java_lumigram_jni_LumigramJni_setLumigramAttrInfo"
 functions=$(sed -nE 's/^LUMIGRAM_API .*[ *]([A-Z][A-Za-z0-9]*)\(.*/\1/p' "$root/include/lumigram.h")
