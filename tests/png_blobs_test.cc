@@ -78,7 +78,7 @@ TEST(PngBlobs, CopyByLabelIntoARoom) {
     Bytes data(capacity);
     uint32_t length = 7;
     EXPECT_EQ(
-        CopyBlobFromPng(Stream(kAll).get(), data.data(), capacity, &length, label.c_str(), name),
+        CopyBlobFromPng(Stream(kAll).get(), data.data(), &length, label.c_str(), name, capacity),
         status);
     EXPECT_EQ(FirstOf(data, length), wantData);
   };

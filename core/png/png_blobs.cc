@@ -96,8 +96,8 @@ Status FindBlob(ByteSource& source, const Wanted& wanted, bool* found) {
 
 }  // namespace
 
-Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t capacity, uint32_t* dataLength,
-                       const char* label, const char* fileName) {
+Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
+                       const char* fileName, uint32_t capacity) {
   if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
       fileName == nullptr) {
     return kBadArgument;
@@ -141,5 +141,5 @@ int32_t GetSizeApplicationExtensionFromPng(FILE* stream, uint32_t* size, const c
 
 int32_t GetApplicationExtensionDataFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength,
                                            const char* label, const char* fileName) {
-  return CopyBlobFromPng(stream, data, UINT32_MAX, dataLength, label, fileName);
+  return CopyBlobFromPng(stream, data, dataLength, label, fileName, UINT32_MAX);
 }

@@ -11,8 +11,8 @@ namespace lumigram {
 
 // GetApplicationExtensionDataFromPng() with the capacity of data: a picture may grow after a buffer
 // of its size was made. A blob over the capacity is kNoRoom, and nothing of it is copied.
-Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t capacity, uint32_t* dataLength,
-                       const char* label, const char* fileName);
+Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
+                       const char* fileName, uint32_t capacity);
 
 }  // namespace lumigram
 
