@@ -123,6 +123,18 @@ bool ByteSource::Skip(uint64_t n) {
   return true;
 }
 
+bool ByteSource::Compare(std::string_view text, bool* equal) {
+  if (text.size() > Remaining()) return false;
+  for (*equal = true; *equal && !text.empty();) {
+    uint8_t piece[256];
+    const size_t size = text.size() < sizeof piece ? text.size() : sizeof piece;
+    if (!Read({piece, size})) return false;
+    *equal = memcmp(piece, text.data(), size) == 0;
+    text.remove_prefix(size);
+  }
+  return true;
+}
+
 // What waits in the block is searched at once; the pair may begin there and end in the next one.
 bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
   uint8_t byte;
@@ -137,7 +149,7 @@ bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
   }
 }
 
-bool ByteSource::Back(uint32_t n) {
+bool ByteSource::Back(uint64_t n) {
   return n <= Position() && MoveTo(Position() - n);
 }
 

@@ -6,6 +6,7 @@
 #include <stdio.h>
 
 #include <span>
+#include <string_view>
 
 namespace lumigram {
 
@@ -57,7 +58,12 @@ class ByteSource {
   [[nodiscard]] bool Skip(uint64_t n);
 
   // Moves back over n bytes that were read. False when the stream refuses.
-  [[nodiscard]] bool Back(uint32_t n);
+  [[nodiscard]] bool Back(uint64_t n);
+
+  // Tells whether the next bytes are the text's, and moves behind those that it has looked at: all
+  // of them when they are, else a few, however long the text is. False when there are fewer bytes
+  // than the text has. For measured sources.
+  [[nodiscard]] bool Compare(std::string_view text, bool* equal);
 
   // Moves behind the next occurrence of two bytes in a row. False, at the end, when there is none.
   [[nodiscard]] bool SkipPast(uint8_t first, uint8_t second);

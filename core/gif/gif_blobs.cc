@@ -7,8 +7,6 @@
 #include "core/document/document_format.h"
 #include "core/gif/gif_format.h"
 
-using namespace lumigram;
-
 namespace lumigram {
 namespace {
 
@@ -82,7 +80,6 @@ class BlobCopier : public GifHandler {
   Status OnApplication(ByteSource& source);
 
  private:
-  Status CompareLabel(ByteSource& source, bool* matches);
   Status CopyChain(ByteSource& source);
 
   const std::string_view label_;
@@ -94,8 +91,11 @@ class BlobCopier : public GifHandler {
 Status BlobCopier::OnApplication(ByteSource& source) {
   uint8_t size;
   if (!source.ReadByte(&size)) return kMalformed;
+  // The label is compared with as many bytes as it has, whatever the identifier's size.
+  const uint64_t start = source.Position();
   bool matches;
-  if (Status s = CompareLabel(source, &matches); s != kOk) return s;
+  if (!source.Compare(label_, &matches)) return kMalformed;
+  if (!source.Back(source.Position() - start)) return kBadStream;
   if (!matches || size == 0) return SkipChain(source, size);
   if (!source.Skip(size)) return kBadStream;
   GifSubBlock name;
@@ -103,16 +103,6 @@ Status BlobCopier::OnApplication(ByteSource& source) {
   done = BeginsWith(name.Data(), fileName_);
   if (name.size == 0) return kOk;
   return done ? CopyChain(source) : SkipChain(source);
-}
-
-// The label is compared with as many bytes as it has, whatever the identifier's size, and the
-// source is back at the identifier.
-Status BlobCopier::CompareLabel(ByteSource& source, bool* matches) {
-  uint8_t storage[kMaxWanted];
-  const std::span<uint8_t> bytes(storage, label_.size());
-  if (!source.Read(bytes)) return kMalformed;
-  *matches = BeginsWith(bytes, label_);
-  return source.Back(static_cast<uint32_t>(bytes.size())) ? kOk : kBadStream;
 }
 
 Status BlobCopier::CopyChain(ByteSource& source) {
@@ -144,6 +134,8 @@ Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
 }
 
 }  // namespace lumigram
+
+using namespace lumigram;
 
 int32_t GetSizeApplicationExtensionFromGif(FILE* stream, uint32_t* size, const char* fileName) {
   if (stream == nullptr || size == nullptr) return kBadArgument;

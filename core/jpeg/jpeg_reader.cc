@@ -87,7 +87,7 @@ Status FindEndOfImage(ByteSource& source) {
         tail[1] == kEndOfImage) {
       return kOk;
     }
-    if (!source.Back(static_cast<uint32_t>(source.Position() - start))) return kMalformed;
+    if (!source.Back(source.Position() - start)) return kMalformed;
   }
   return source.SkipPast(kMarkerPrefix, kEndOfImage) ? kOk : kMalformed;
 }

@@ -19,34 +19,19 @@ struct Wanted {
   std::string_view name;
 };
 
-// Reads as many bytes as the text has, whether they are equal or not; false on a short read.
-bool Compare(ByteSource& source, std::string_view text, bool* equal) {
-  *equal = true;
-  while (!text.empty()) {
-    uint8_t piece[256];
-    const size_t size = text.size() < sizeof(piece) ? text.size() : sizeof(piece);
-    if (!source.Read({piece, size})) return false;
-    *equal = *equal && memcmp(piece, text.data(), size) == 0;
-    text.remove_prefix(size);
-  }
-  return true;
-}
-
 // Whether the chunk is a blob of ours and, with a name, the one whose name begins with it. The
 // source is back at the chunk's data afterwards.
 Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
+  const uint64_t start = source.Position();
   uint8_t fields[kLabelAndNameLengthSize];
   const std::span<uint8_t> mark(fields, kBlobMark.size());
   if (!source.Read(mark)) return kMalformed;
-  uint32_t taken = static_cast<uint32_t>(mark.size());
   *counted = BeginsWith(mark, kBlobMark);
   if (*counted && fileName != nullptr) {
-    const std::string_view name(fileName);
     const std::span<uint8_t> rest(fields + mark.size(), sizeof(fields) - mark.size());
-    if (!source.Read(rest) || !Compare(source, name, counted)) return kMalformed;
-    taken = static_cast<uint32_t>(sizeof(fields) + name.size());
+    if (!source.Read(rest) || !source.Compare(fileName, counted)) return kMalformed;
   }
-  return source.Back(taken) ? kOk : kBadStream;
+  return source.Back(source.Position() - start) ? kOk : kBadStream;
 }
 
 Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
@@ -67,17 +52,17 @@ Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
 // Whether the chunk is the blob that is wanted. The source then stands at its data length, else
 // back at the chunk's data. A label over 11 bytes is compared with what follows the label, too.
 Status IsWanted(ByteSource& source, const Wanted& wanted, bool* found) {
-  if (!Compare(source, wanted.label, found)) return kMalformed;
-  if (!source.Back(static_cast<uint32_t>(wanted.label.size()))) return kBadStream;
+  const uint64_t start = source.Position();
+  if (!source.Compare(wanted.label, found)) return kMalformed;
+  if (!source.Back(source.Position() - start)) return kBadStream;
   if (!*found) return kOk;
   uint8_t label[kBlobLabelSize];
   uint32_t nameLength;
-  if (!source.Read(label) || !source.ReadBe32(&nameLength) ||
-      !Compare(source, wanted.name, found)) {
+  if (!source.Read(label) || !source.ReadBe32(&nameLength) || !source.Compare(wanted.name, found)) {
     return kMalformed;
   }
+  if (!*found) return source.Back(source.Position() - start) ? kOk : kBadStream;
   const uint32_t wantedLength = static_cast<uint32_t>(wanted.name.size());
-  if (!*found) return source.Back(kLabelAndNameLengthSize + wantedLength) ? kOk : kBadStream;
   // What the stored name has more than the wanted one lies before the data length.
   return nameLength <= wantedLength || source.Skip(nameLength - wantedLength) ? kOk : kBadStream;
 }
