@@ -1,0 +1,80 @@
+#include "tests/support/fail_calls.h"
+
+#include <errno.h>
+#include <signal.h>
+#include <stdio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace lumigram::test {
+namespace {
+
+struct Plan {
+  unsigned calls;
+  int nth, error;
+  bool fromThenOn;
+  int made;
+} plan;
+
+bool Fails(Calls call) {
+  if ((plan.calls & call) == 0) return false;
+  const int index = plan.made++;
+  if (index < plan.nth || (index > plan.nth && !plan.fromThenOn)) return false;
+  if (plan.error == kKill) kill(getpid(), SIGKILL);
+  errno = plan.error;
+  return plan.error != kHalf;
+}
+
+}  // namespace
+
+FailCalls::FailCalls(unsigned calls, int nth, int error, Times times) {
+  plan = {calls, nth, error, times == kFromThenOn, 0};
+}
+FailCalls::~FailCalls() {
+  plan = {};
+}
+bool FailCalls::Happened() const {
+  return plan.made > plan.nth;
+}
+
+int InChild(const std::function<int()>& run) {
+  const pid_t child = fork();
+  if (child == 0) _exit(run());
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// The names are those that calls have where file offsets are asked to have 64 bits.
+extern "C" {
+#define WRAP(calls, type, failure, name, parameters, arguments) \
+  type __real_##name parameters;                                \
+  type __wrap_##name parameters {                               \
+    return Fails(calls) ? failure : __real_##name arguments;    \
+  }
+WRAP(kMallocCalls, void*, nullptr, malloc, (size_t n), (n))
+WRAP(kMallocCalls, void*, nullptr, calloc, (size_t n, size_t size), (n, size))
+WRAP(kOpenCalls, int, -1, open64, (const char* path, int how, mode_t mode), (path, how, mode))
+WRAP(kOpenCalls, FILE*, nullptr, fopen64, (const char* path, const char* how), (path, how))
+WRAP(kReadCalls, ssize_t, -1, pread64, (int fd, void* out, size_t n, off64_t at), (fd, out, n, at))
+WRAP(kSyncCalls, int, -1, fsync, (int fd), (fd))
+WRAP(kTruncateCalls, int, -1, ftruncate64, (int fd, off64_t size), (fd, size))
+WRAP(kOwnerCalls, int, -1, fchown, (int fd, uid_t user, gid_t group), (fd, user, group))
+WRAP(kModeCalls, int, -1, fchmod, (int fd, mode_t mode), (fd, mode))
+WRAP(kAttributeCalls, int, -1, fsetxattr,
+     (int fd, const char* name, const void* value, size_t n, int how), (fd, name, value, n, how))
+WRAP(kAttributeCalls, int, -1, fremovexattr, (int fd, const char* name), (fd, name))
+WRAP(kRenameCalls, int, -1, rename, (const char* from, const char* to), (from, to))
+WRAP(kUnlinkCalls, int, -1, unlink, (const char* path), (path))
+WRAP(kCloseCalls, int, (__real_close(fd), errno = plan.error, -1), close, (int fd), (fd))
+
+ssize_t __real_pwrite64(int fd, const void* bytes, size_t n, off64_t at);
+ssize_t __wrap_pwrite64(int fd, const void* bytes, size_t n, off64_t at) {
+  const bool isHalf = plan.error < 0 && (plan.calls & kWriteCalls) != 0 && plan.made == plan.nth;
+  const ssize_t half = isHalf ? __real_pwrite64(fd, bytes, (n + 1) / 2, at) : 0;
+  if (Fails(kWriteCalls)) return -1;
+  return isHalf ? half : __real_pwrite64(fd, bytes, n, at);
+}
+}
+
+}  // namespace lumigram::test
