@@ -1,0 +1,129 @@
+#include "bench/pictures.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "tests/support/gif_builder.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/png_builder.h"
+
+namespace lumigram::bench {
+namespace {
+
+using namespace lumigram::test;
+
+constexpr int kPicturesOfASet = 300;
+
+constexpr char kDocument[] =
+    "<emoji><label><name>smile</name><note>happy</note><part>名詞</part></label><label><name>wink</"
+    "name></label>"
+    "<category>face</category><type>anime</type><tags name=\"color\">yellow</tags></emoji>";
+
+using Random = std::mt19937;
+
+// Sizes around a median, a quarter of it to four times.
+size_t SizeAround(size_t median, Random& random) {
+  return static_cast<size_t>(static_cast<double>(median) *
+                             std::exp2(std::uniform_real_distribution(-2.0, 2.0)(random)));
+}
+
+// Bytes as compressed pixels are, without the escapes that a JPEG needs.
+Bytes Pixels(size_t size, Random& random) {
+  Bytes bytes(size);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() % 255);
+  return bytes;
+}
+
+Bytes Gif(std::string_view document, Random& random) {
+  Bytes picture = GifScreen(64, 64, "GIF89a", 0xF4);  // 32 colours
+  picture.resize(13 + 96);
+  if (!document.empty()) picture += GifComment(document);
+  const int frames = 1 + static_cast<int>(random() % 3);
+  for (int i = 0; i < frames; ++i) {
+    picture += Bytes{0x21, 0xF9, 4, 4, 10, 0, 0, 0};
+    picture += Bytes{0x2C, 0, 0, 0, 0, 64, 0, 64, 0, 0, 5};
+    picture += GifChain(Pixels(SizeAround(500, random), random));
+  }
+  return picture + kGifEnd;
+}
+
+Bytes Png(std::string_view document, Random& random) {
+  Bytes picture =
+      PngStart(64, 64) + PngChunk("gAMA", Be32(45455)) + PngChunk("PLTE", Pixels(96, random));
+  if (!document.empty()) picture += PngDocument(document);
+  return picture + PngChunk("IDAT", Pixels(SizeAround(1500, random), random)) + kPngEnd;
+}
+
+Bytes Jpeg(std::string_view document, Random& random) {
+  Bytes picture = kJpegStart + JpegSegment(0xE0, Pixels(14, random));
+  for (int i = 0; i < 2; ++i) picture += JpegSegment(0xDB, Pixels(65, random));
+  picture += JpegFrame(64, 64);
+  for (size_t size : {29, 179, 29, 179}) picture += JpegSegment(0xC4, Pixels(size, random));
+  if (!document.empty()) picture += JpegComment(document);
+  return picture + JpegSegment(0xDA, Pixels(10, random)) +
+         Pixels(SizeAround(14000, random), random) + kJpegEnd;
+}
+
+struct Kind {
+  const char* extension;
+  FileType type;
+  Bytes (*build)(std::string_view, Random&);
+};
+
+constexpr Kind kKinds[] = {
+    {"gif", kFileTypeGif, Gif}, {"png", kFileTypePng, Png}, {"jpg", kFileTypeJpeg, Jpeg}};
+
+void Write(const std::string& path, const Bytes& bytes) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+}
+
+// Reading it also brings it into the page cache.
+bool IsReadable(const std::string& path, FileType* type) {
+  FILE* stream = nullptr;
+  if (OpenFile(path.c_str(), 0, &stream, type) != kLumigramOk) return false;
+  char document[kLumigramDocumentBufferBytes] = {};
+  int32_t height = 0, width = 0, pop = 0;
+  const int32_t status = GetXmlString(stream, *type, document, &height, &width, &pop);
+  fclose(stream);
+  return status == kLumigramOk || status == kLumigramNoDocument;
+}
+
+}  // namespace
+
+std::vector<PictureSet> PicturesOf(const std::string& folder) {
+  std::vector<PictureSet> sets;
+  for (const Kind& kind : kKinds) sets.push_back({kind.extension, kind.type, {}});
+  const auto options = std::filesystem::directory_options::skip_permission_denied;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, options)) {
+    FileType type;
+    if (!entry.is_regular_file() || !IsReadable(entry.path().string(), &type)) continue;
+    for (PictureSet& set : sets) {
+      if (set.type == type) set.paths.push_back(entry.path().string());
+    }
+  }
+  std::erase_if(sets, [](const PictureSet& set) { return set.paths.empty(); });
+  return sets;
+}
+
+std::vector<PictureSet> BuildPictures(const std::string& folder) {
+  std::vector<PictureSet> sets;
+  Random random(1);
+  for (const Kind& kind : kKinds) {
+    for (const bool tagged : {false, true}) {
+      PictureSet set{std::string(kind.extension) + (tagged ? ", tagged" : ""), kind.type, {}};
+      for (int i = 0; i < kPicturesOfASet; ++i) {
+        const std::string name =
+            (tagged ? "tagged" : "plain") + std::to_string(i) + "." + kind.extension;
+        set.paths.push_back(folder + "/" + name);
+        Write(set.paths.back(), kind.build(tagged ? kDocument : "", random));
+      }
+      sets.push_back(set);
+    }
+  }
+  return sets;
+}
+
+}  // namespace lumigram::bench
