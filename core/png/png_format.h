@@ -15,6 +15,7 @@
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
+#include "core/document/document_format.h"
 
 namespace lumigram {
 
@@ -24,7 +25,8 @@ inline constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1A\n";
 inline constexpr uint32_t kPngHeadSize = 33;
 
 // What a chunk takes besides its data, in front of it and behind it.
-inline constexpr uint32_t kChunkHeaderSize = 8;
+inline constexpr uint32_t kChunkTypeSize = 4;
+inline constexpr uint32_t kChunkHeaderSize = 4 + kChunkTypeSize;
 inline constexpr uint32_t kChunkCrcSize = 4;
 
 constexpr uint32_t ChunkType(const char (&name)[5]) {
@@ -42,6 +44,9 @@ inline constexpr uint32_t kEndChunk = ChunkType("IEND");
 // taken for a document.
 inline constexpr std::string_view kDocumentKeyword{"Emoji", 6};
 inline constexpr uint32_t kMinPngDocument = 8;
+
+// What a blob's data hold besides its name and its bytes: label, name length, data length.
+inline constexpr uint32_t kBlobFieldsSize = kBlobLabelSize + 4 + 4;
 
 struct ChunkHeader {
   uint32_t length;

@@ -38,14 +38,9 @@ inline Bytes PngDocument(std::string_view text) {
   return PngChunk("tEXt", Text("Emoji") + Bytes{0} + Text(text));
 }
 
-// What a blob's chunk holds, and the chunk.
-inline Bytes BlobData(std::string_view label, uint32_t nameLength, std::string_view name,
-                      uint32_t dataLength, const Bytes& data) {
-  return Text(label) + Be32(nameLength) + Text(name) + Be32(dataLength) + data;
-}
 inline Bytes PngBlob(std::string_view label, std::string_view name, const Bytes& data) {
-  return PngChunk("emJe",
-                  BlobData(label, uint32_t(name.size()), name, uint32_t(data.size()), data));
+  return PngChunk("emJe", Text(label) + Be32(uint32_t(name.size())) + Text(name) +
+                              Be32(uint32_t(data.size())) + data);
 }
 
 }  // namespace lumigram::test

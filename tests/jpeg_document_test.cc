@@ -1,0 +1,114 @@
+// Documents and dimensions of JPEG pictures, read and written.
+#include <unistd.h>
+
+#include "core/jpeg/jpeg_writer.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/picture_checks.h"
+
+namespace lumigram::test {
+namespace {
+
+const std::string kText = "<emoji>new";
+const Bytes kFrame = JpegFrame(), kEnd = kJpegScan + kJpegEnd;
+const Bytes kOld = JpegComment(Document()), kNew = JpegComment(kText);
+
+// Reads a start of image and what follows it, from a file in both ways and from a pipe.
+void CheckRead(const char* what, const Bytes& rest, int32_t status, std::string_view text = "",
+               uint32_t width = 0, uint32_t height = 0) {
+  SCOPED_TRACE(what);
+  const Bytes picture = kJpegStart + rest;
+  for (Opened opened : kBothWays)
+    CheckReader(GetXmlStringFromJpg, Stream(picture, opened).get(), status, text, width, height);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_EQ(write(ends[1], picture.data(), picture.size()), std::ssize(picture));
+  close(ends[1]);
+  const ScopedFile stream(fdopen(ends[0], "rb"));
+  CheckReader(GetXmlStringFromJpg, stream.get(), status, text, width, height);
+}
+
+void CheckWrite(const char* what, const Bytes& rest, std::string_view doc, int32_t status,
+                const Bytes& wantRest = {}) {
+  SCOPED_TRACE(what);
+  CheckWriter(SetXmlStringToJpg, kJpegStart + rest, doc, status, kJpegStart + wantRest);
+}
+
+// Both, with a frame header before what follows, and kText as the new document.
+void Check(const char* what, const Bytes& rest, int32_t readStatus, std::string_view text,
+           int32_t writeStatus, const Bytes& wantRest = {}) {
+  CheckRead(what, kFrame + rest, readStatus, text, 32, 16);
+  CheckWrite(what, kFrame + rest, kText, writeStatus, kFrame + wantRest);
+}
+
+TEST(JpegDocument, Comments) {
+  const Bytes others = JpegComment("") + JpegComment("<emoji") + JpegComment("<emoji .");
+  const auto claim = [](uint32_t length) {
+    return kOld + JpegSegmentClaiming(length, 0xFE, Text(Document())) + kEnd;
+  };
+  Check("none", others + kEnd, 0, "", 0, others + kNew + kEnd);
+  Check("shortest", JpegComment("<emoji>") + kEnd, 0, "<emoji>", 0, kNew + kEnd);
+  Check("first of two", kOld + others + kNew + kEnd, 0, Document(), 0, kNew + others + kEnd);
+  Check("longest", JpegComment(Document(10240)) + kEnd, 0, Document(10240), 0, kNew + kEnd);
+  Check("too long", kOld + JpegComment(Document(10241)) + kEnd, -41, Document(), 0, kNew + kEnd);
+  Check("too long and cut", claim(2 + 10241), -41, Document(), -30);
+  Check("length 1", claim(1), -41, Document(), -30);
+  Check("length 0", claim(0), -41, Document(), -30);
+  Check("cut", FirstOf(kOld, kOld.size() - 1), -30, "", -30);
+}
+
+TEST(JpegDocument, MarkersAndEnds) {
+  const Bytes large = kJpegScan + Bytes(9000, 0x55);
+  const auto claim = [](uint32_t length, uint8_t code) {
+    return JpegSegmentClaiming(length, code, {}) + kJpegEnd;
+  };
+  Check("no scan", kJpegEnd, 0, "", 0, kJpegEnd);
+  Check("behind the scan", kEnd + kOld + kJpegEnd, 0, "", 0, kNew + kEnd);
+  Check("large with a tail", large + kJpegEnd + large, 0, "", 0, kNew + large + kJpegEnd);
+  Check("large and cut", large + Bytes{0xFF}, -30, "", -30);
+  Check("odd marker", Patched(kEnd, 0, {7}), -30, "", -30);
+  Check("fill byte", Bytes{0xFF} + kEnd, -30, "", -30);
+  Check("length 2", claim(2, 0xE0), 0, "", 0, claim(2, 0xE0));
+  Check("length 1", claim(1, 0xE0), -30, "", -30);
+  Check("segment cut", claim(5, 0xE0), -30, "", -30);
+  Check("half of the end taken", claim(3, 0xDA), -30, "", -30);
+  Check("the end taken", claim(4, 0xDA), -30, "", -30);
+}
+
+TEST(JpegDocument, FrameHeaders) {
+  for (int code : {0xC0, 0xC1, 0xC2, 0xC9, 0xCA})
+    CheckRead("a frame", JpegFrame(32, 16, uint8_t(code)) + kEnd, 0, "", 32, 16);
+  for (int code : {0xC3, 0xC4, 0xC5, 0xC7, 0xC8, 0xCB, 0xCF})
+    CheckRead("not a frame", JpegFrame(32, 16, uint8_t(code)) + kEnd, -21);
+  CheckRead("largest", JpegFrame(960, 960) + kEnd, 0, "", 960, 960);
+  CheckRead("too wide", JpegFrame(961, 1) + kEnd, -31);
+  CheckRead("too high behind one", kFrame + JpegFrame(1, 961) + kEnd, -31, "", 32, 16);
+  CheckRead("the shortest and last", kFrame + JpegSegment(0xC0, {8, 0, 1, 0, 2}) + kEnd, 0, "", 2,
+            1);
+  CheckRead("too short", JpegSegment(0xC0, {8, 0, 1, 0}) + kEnd, -30);
+  CheckRead("too wide and cut", FirstOf(JpegFrame(961, 1), 12), -30);
+  CheckWrite("any", JpegFrame(961, 1) + kEnd, "", 0, JpegFrame(961, 1) + kEnd);
+}
+
+TEST(JpegDocument, OddFirstByte) {
+  const Bytes oddOld = Patched(kOld, 0, {7}), oddNew = Patched(kNew, 0, {7});
+  CheckRead("frame", Patched(kFrame, 0, {7}) + kEnd, 0, "", 32, 16);
+  CheckWrite("replaced", oddOld + kEnd, kText, 0, oddNew + kEnd);
+  CheckWrite("removed", oddOld + kFrame + kOld + kEnd, "", 0, kFrame + kEnd);
+  CheckWrite("scan", Patched(kEnd, 0, {7}), kText, 0, oddNew + kEnd);
+}
+
+TEST(JpegDocument, Limits) {
+  CheckWrite("longest old one", JpegComment(Document(65533)) + kEnd, "", 0, kEnd);
+  CheckWrite("longest", kEnd, Document(10240), 0, JpegComment(Document(10240)) + kEnd);
+  CheckWrite("too long", kEnd, Document(10241), -41);
+  CheckWrite("too long in place", kOld + kEnd, Document(10241), -41);
+  const XmlStringInfo none{};
+  uint8_t out[2];
+  uint32_t n;
+  const Bytes cut = kJpegStart + JpegSegmentClaiming(99, 0xE0, {}), odd = Patched(cut, 1, {0xD9});
+  EXPECT_EQ(SetXmlStringToJpg(Stream(cut).get(), &none, out, &n, 2), -30) << "rather than no room";
+  EXPECT_EQ(SetXmlStringToJpg(Stream(odd).get(), &none, out, &n, 2), -30);
+}
+
+}  // namespace
+}  // namespace lumigram::test

@@ -1,0 +1,125 @@
+// Documents and dimensions of PNG pictures, read and written, and new blobs.
+#include "core/base/text.h"
+#include "core/png/png_writer.h"
+#include "tests/support/picture_checks.h"
+#include "tests/support/png_builder.h"
+
+namespace lumigram::test {
+namespace {
+
+const std::string kText = "<emoji>new", kLabel = "EMJBLOB-1.0";
+const Bytes kStart = PngStart(), kEnd = kPngImage + kPngEnd, kData(300, 5);
+const Bytes kOld = PngDocument(Document()),
+            kEmpty = PngBlob(std::string("EMJ") + std::string(8, '\0'), "", {});
+const Bytes kBlobs = PngBlob(kLabel, "a.bin", kData) + kEmpty, kNew = PngDocument(kText) + kBlobs;
+const TempFolder kFolder;
+
+// Adds two blobs, with a label that is too long and one that is too short, and keeps one.
+std::unique_ptr<AttrInfo> Blobs(const std::string& path = kFolder.Write("a.bin", kData)) {
+  auto attr = std::make_unique<AttrInfo>();
+  CopyText(attr->appExt[3].labelName, kLabel + "cut");
+  CopyText(attr->appExt[3].fileName, "a.bin");
+  CopyText(attr->appExt[3].binaryDataUri, path);
+  CopyText(attr->appExt[4].labelName, "EMJ");
+  CopyText(attr->appExt[4].binaryDataUri, kFolder.Write("empty", {}));
+  CopyText(attr->appExt[99].fileName, "keep");
+  CopyText(attr->appExt[99].binaryDataUri, "file://THIS/keep");
+  return attr;
+}
+
+void CheckRead(const char* what, const Bytes& picture, int32_t status, std::string_view text,
+               uint32_t width, uint32_t height) {
+  SCOPED_TRACE(what);
+  for (Opened opened : kBothWays)
+    CheckReader(GetXmlStringFromPng, Stream(picture, opened).get(), status, text, width, height);
+}
+
+void CheckWrite(const char* what, const Bytes& rest, const std::string& doc, int32_t status,
+                const Bytes& wantRest = {}, const AttrInfo* attr = Blobs().get()) {
+  SCOPED_TRACE(what);
+  const auto write = [&](FILE* stream, const XmlStringInfo* info, uint8_t* out, uint32_t* length,
+                         uint32_t room) {
+    return SetXmlStringToPng(stream, info, out, length, attr, room);
+  };
+  CheckWriter(write, kStart + rest, doc, status, kStart + wantRest);
+}
+
+// Reads kStart and what follows it, and writes a new document and a new blob into it.
+void Check(const char* what, const Bytes& rest, int32_t readStatus, std::string_view text,
+           int32_t writeStatus, const Bytes& wantRest = {}) {
+  CheckRead(what, kStart + rest, readStatus, text, 32, 16);
+  CheckWrite(what, rest, kText, writeStatus, wantRest);
+}
+
+TEST(PngDocument, Texts) {
+  const Bytes kept =
+      PngChunk("tEXt", Text("emoji, other")) + PngDocument("<emoji>") + PngDocument("<other>b");
+  const Bytes tooLong = PngDocument(std::string(10241, 'x')), empty = PngDocument("");
+  Check("none", kept + kPngImage + kEnd, 0, "", 0, kept + kNew + kPngImage + kEnd);
+  Check("first of two", kept + kOld + kept + PngDocument("<emoji>b") + kEnd, 0, Document(), 0,
+        kept + kNew + kept + kEnd);
+  Check("behind the image", kPngImage + kOld + kPngEnd, 0, Document(), 0, kNew + kEnd);
+  Check("no image", kPngEnd, 0, "", 0, kPngEnd);
+  Check("longest", PngDocument(Document(10240)) + kEnd, 0, Document(10240), 0, kNew + kEnd);
+  Check("too long", PngDocument(Document(10241)) + kEnd, -41, "", 0, kNew + kEnd);
+  Check("other too long", kOld + tooLong + kEnd, -41, Document(), 0, kNew + tooLong + kEnd);
+  Check("empty", kOld + empty + kEnd, -41, Document(), 0, kNew + empty + kEnd);
+}
+
+TEST(PngDocument, DamageAndDimensions) {
+  const auto other = [](uint32_t size) { return PngChunkClaiming(size, "abCd", {}); };
+  const Bytes shorter = PngChunk("tEXt", Text("Emoji"));
+  Check("no end", kOld + kPngImage, -30, Document(), -30);
+  Check("cut in a length", FirstOf(kPngEnd, 3), -30, "", -30);
+  Check("cut in a type", FirstOf(kPngEnd, 7), -30, "", -99);
+  Check("end without its CRC", FirstOf(kPngEnd, 8), 0, "", -99);
+  Check("cut in the text", FirstOf(kOld, 8 + 6 + 7), -99, "", -99);
+  Check("cut in the CRC", FirstOf(kOld, kOld.size() - 1), -30, "", -99);
+  Check("text cut in its keyword", PngChunk("tEXt", {1}), -30, "", -30);
+  Check("text shorter than that", shorter + kPngEnd, -99, "", 0, shorter + kPngEnd);
+  Check("chunk over the file's end", other(13) + kPngEnd, -30, "", -99);
+  Check("data and CRC 0 in 32 bits", kPngHuge + kPngEnd, -30, "", -99);
+  Check("the whole chunk 0 in 32 bits", other(0u - 12) + kPngEnd, -30, "", -99);
+  CheckRead("signature", Patched(kStart + kEnd, 7, {0}), -30, "", 0, 0);
+  CheckRead("head cut", FirstOf(kStart, 32), -30, "", 0, 0);
+  CheckRead("largest", PngStart(960, 960) + kPngEnd, 0, "", 960, 960);
+  CheckRead("too wide", PngStart(961, 1) + kPngEnd, -31, "", 961, 1);
+  CheckRead("too high", PngStart(1, 961) + kPngEnd, -31, "", 1, 961);
+}
+
+TEST(PngDocument, Blobs) {
+  const Bytes keep = PngBlob(kLabel, "keep.old", kData) + PngBlob(kLabel, "keep", {});
+  const Bytes foreign = PngBlob("EMI12345678", "keep", {});
+  const Bytes drop = foreign + PngBlob(kLabel, "kee", {}) + PngBlob(kLabel, "a.bin", {});
+  const auto named = [](uint32_t length, const std::string& name) {
+    return PngChunk("emJe", Text(kLabel) + Be32(length) + Text(name)) + kPngEnd;
+  };
+  const std::string longest = "keep" + std::string(65533, '.');
+  Check("kept", keep + drop + kPngImage + drop + keep + kPngEnd + keep, 0, "", 0,
+        keep + kNew + kPngImage + keep + kPngEnd);
+  CheckWrite("removed", kOld + keep + drop + kEnd, "", 0, keep + kEnd);
+  CheckWrite("label cut", PngChunk("emJe", Text("EMJ")), "", -30);
+  CheckWrite("name to the file's end", named(4 + 12, ""), "", 0, kPngEnd);
+  CheckWrite("name over the file's end", named(4 + 13, ""), "", -99);
+  CheckWrite("longest name", named(65537, longest), "", 0, named(65537, longest));
+  CheckWrite("name too long", named(65538, longest + "."), "", -99);
+  CheckWrite("no record for a blob", named(4, "keep"), "", -99, {}, nullptr);
+  CheckWrite("no record for a document", kEnd, kText, -99, {}, nullptr);
+  CheckWrite("none needed", foreign + kEnd, "", 0, kEnd, nullptr);
+  CheckWrite("no file", kEnd, kText, -99, {}, Blobs(kFolder.Path("b")).get());
+  CheckWrite("a folder", kEnd, kText, -99, {}, Blobs(kFolder.Path("")).get());
+}
+
+TEST(PngDocument, Limits) {
+  const Bytes longest = PngDocument(Document(10234)), noSignature = Patched(kStart + kEnd, 0, {7});
+  CheckWrite("longest", kEnd, Document(10234), 0, longest + kBlobs + kEnd);
+  CheckWrite("too long", kEnd, Document(10235), -41, {}, nullptr);
+  const XmlStringInfo none{};
+  uint8_t out[99];
+  uint32_t n = 7;
+  EXPECT_EQ(SetXmlStringToPng(Stream(noSignature).get(), &none, out, &n, nullptr, 99), -30);
+  EXPECT_EQ(SetChunkCrc(4, &n, out, 99), -99) << "more than there is";
+}
+
+}  // namespace
+}  // namespace lumigram::test
