@@ -1,0 +1,221 @@
+#include "tests/support/fake_jni.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace lumigram::test {
+namespace {
+
+FakeJni* vm;  // the one of the running test
+
+constexpr char kArrayCopy[] =
+    "java/lang/System.arraycopy(Ljava/lang/Object;ILjava/lang/Object;II)V";
+
+// Whether lead bytes and continuation bytes go together, and none leads to a fourth byte.
+bool IsModifiedUtf8(const std::string& text) {
+  int due = 0;
+  for (unsigned char c : text) {
+    if (due > 0 ? c >> 6 != 2 : c >= 0x80 && (c < 0xC0 || c > 0xEF)) return false;
+    due = due > 0 ? due - 1 : c < 0x80 ? 0 : c < 0xE0 ? 1 : 2;
+  }
+  return due == 0;
+}
+
+template <typename T>
+T* LendCopy(const T* from, size_t size, std::set<const void*>* lent) {
+  T* copy = new T[size];
+  std::copy_n(from, size, copy);
+  lent->insert(copy);
+  return copy;
+}
+
+}  // namespace
+
+JavaObject* FakeJni::Make(JavaObject object) {
+  heap_.push_back(std::make_unique<JavaObject>(std::move(object)));
+  return heap_.back().get();
+}
+
+JavaObject* FakeJni::MakeOld(const JavaObject* type) {
+  JavaObject* object = Make({.type = type});
+  for (const auto& [name, signature] : type->signatures) {
+    JavaObject* old = String("old");
+    if (signature[0] == '[') old = Make({.elements = std::vector<JavaObject*>(100, old)});
+    if (signature == "[B") *old = {.bytes = std::vector<jbyte>(10, 9)};
+    if (signature == "J") {
+      object->numbers[name] = -7;
+    } else {
+      object->objects[name] = old;
+    }
+  }
+  return object;
+}
+
+jobject FakeJni::NewRef(JavaObject* object) {
+  if (object == nullptr) return nullptr;
+  auto slot = std::find(refs_.begin(), refs_.end(), nullptr);
+  if (slot == refs_.end()) slot = refs_.insert(slot, nullptr);
+  *slot = object;
+  return reinterpret_cast<jobject>(slot - refs_.begin() + 1);
+}
+
+JavaObject* FakeJni::At(jobject ref) {
+  JavaObject* object = refs_.at(reinterpret_cast<size_t>(ref) - 1);
+  EXPECT_NE(object, nullptr) << "a released reference";
+  return object;
+}
+
+FakeJni& FakeJni::Enter() {
+  EXPECT_FALSE(pending_) << "a call with an exception pending";
+  return *this;
+}
+
+bool FakeJni::Fails(const char* function, bool raises) {
+  Enter();
+  ++calls_[function];
+  if (failIn_ == 0 || --failIn_ > 0) return false;
+  failed_ = function;
+  pending_ = raises;
+  return true;
+}
+
+void FakeJni::CheckAllIsGivenBack() const {
+  const auto isHeld = [](const JavaObject* object) { return object != nullptr; };
+  EXPECT_EQ(std::count_if(refs_.begin(), refs_.end(), isHeld), arguments_);
+  EXPECT_LE(std::ssize(refs_), arguments_ + 16) << "more references at a time than are promised";
+  EXPECT_TRUE(lentTexts_.empty() && lentBytes_.empty());
+  EXPECT_FALSE(pending_);
+}
+
+void FakeJni::FailEach(const std::function<void()>& call,
+                       const std::function<void(const std::string& failed)>& check) {
+  int n = 0;
+  do {
+    failIn_ = ++n;
+    failed_.clear();
+    call();
+    SCOPED_TRACE("call " + std::to_string(n) + ", " + failed_);
+    CheckAllIsGivenBack();
+    check(failed_);
+  } while (!failed_.empty() && !testing::Test::HasFailure());
+  failIn_ = 0;
+}
+
+const std::string& FakeJni::NameOf(jobject object, jfieldID id, char kind) {
+  const auto& field = *reinterpret_cast<const decltype(JavaObject::signatures)::value_type*>(id);
+  const auto& declared = At(object)->type->signatures;
+  EXPECT_EQ(&*declared.find(field.first), &field) << field.first << " of another class";
+  EXPECT_EQ(field.second[0] == 'J', kind == 'J') << field.first;
+  return field.first;
+}
+
+FakeJni::FakeJni() {
+  vm = this;
+  env_.functions = &table_;
+
+  // Allowed while an exception is pending.
+  table_.ExceptionCheck = [](JNIEnv*) -> jboolean { return vm->pending_; };
+  table_.ExceptionClear = [](JNIEnv*) { vm->pending_ = false; };
+  table_.DeleteLocalRef = [](JNIEnv*, jobject ref) {
+    vm->At(ref);
+    vm->refs_[reinterpret_cast<size_t>(ref) - 1] = nullptr;
+  };
+  table_.ReleaseStringUTFChars = [](JNIEnv*, jstring string, const char* text) {
+    EXPECT_EQ(vm->lentTexts_.erase(text), 1u);
+    EXPECT_EQ(vm->At(string)->text, text) << "it goes before its reference";
+    delete[] text;
+  };
+  table_.ReleaseByteArrayElements = [](JNIEnv*, jbyteArray array, jbyte* bytes, jint mode) {
+    EXPECT_EQ(vm->lentBytes_.erase(bytes), 1u);
+    auto& kept = vm->At(array)->bytes;
+    if (mode == 0) std::copy_n(bytes, kept.size(), kept.begin());
+    delete[] bytes;
+  };
+
+  // Cannot fail.
+  table_.IsSameObject = [](JNIEnv*, jobject a, jobject b) -> jboolean {
+    return vm->Enter().At(a) == vm->At(b);
+  };
+  table_.GetArrayLength = [](JNIEnv*, jarray array) {
+    const JavaObject* object = vm->Enter().At(array);
+    return jsize(object->elements.size() + object->bytes.size());
+  };
+  table_.GetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i) {
+    return vm->NewRef(vm->Enter().At(array)->elements.at(size_t(i)));
+  };
+  table_.GetObjectField = [](JNIEnv*, jobject object, jfieldID id) {
+    return vm->NewRef(vm->Enter().At(object)->objects[vm->NameOf(object, id, 'L')]);
+  };
+  table_.SetObjectField = [](JNIEnv*, jobject object, jfieldID id, jobject value) {
+    vm->Enter().At(object)->objects[vm->NameOf(object, id, 'L')] = vm->At(value);
+  };
+  table_.SetLongField = [](JNIEnv*, jobject object, jfieldID id, jlong value) {
+    vm->Enter().At(object)->numbers[vm->NameOf(object, id, 'J')] = value;
+  };
+
+  // May fail.
+  table_.GetObjectClass = [](JNIEnv*, jobject object) {
+    if (vm->Fails("GetObjectClass", false)) return jclass();
+    return jclass(vm->NewRef(const_cast<JavaObject*>(vm->At(object)->type)));
+  };
+  table_.FindClass = [](JNIEnv*, const char* name) {
+    return jclass(vm->Fails("FindClass") ? nullptr : vm->NewRef(vm->String(name)));
+  };
+  table_.GetFieldID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
+    if (vm->Fails("GetFieldID")) return jfieldID();
+    auto& fields = vm->At(type)->signatures;
+    const auto found = fields.find(name);
+    vm->pending_ = found == fields.end() || found->second != signature;
+    if (vm->pending_) return jfieldID();
+    return reinterpret_cast<jfieldID>(&*found);
+  };
+  table_.GetStaticMethodID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
+    if (vm->Fails("GetStaticMethodID")) return jmethodID();
+    EXPECT_EQ(vm->At(type)->text + "." + name + signature, kArrayCopy);
+    return jmethodID(vm);
+  };
+  table_.CallStaticVoidMethodA = [](JNIEnv*, jclass type, jmethodID id, const jvalue* arguments) {
+    if (vm->Fails("CallStaticVoidMethodA")) return;
+    EXPECT_TRUE(vm->At(type)->text == "java/lang/System" && id == jmethodID(vm));
+    const auto& [from, at, to, begin, n] = *reinterpret_cast<const jvalue(*)[5]>(arguments);
+    ASSERT_LE(size_t(begin.i + n.i), vm->At(to.l)->elements.size());
+    ASSERT_LE(size_t(at.i + n.i), vm->At(from.l)->elements.size());
+    std::copy_n(vm->At(from.l)->elements.begin() + at.i, n.i,
+                vm->At(to.l)->elements.begin() + begin.i);
+  };
+  table_.NewStringUTF = [](JNIEnv*, const char* text) {
+    if (vm->Fails("NewStringUTF")) return jstring();
+    EXPECT_TRUE(IsModifiedUtf8(text)) << testing::PrintToString(text);
+    return jstring(vm->NewRef(vm->String(text)));
+  };
+  table_.NewObjectArray = [](JNIEnv*, jsize size, jclass type, jobject each) {
+    if (vm->Fails("NewObjectArray")) return jobjectArray();
+    EXPECT_EQ(vm->At(type)->text, "java/lang/String");
+    const std::vector<JavaObject*> elements(size_t(size), vm->At(each));
+    return jobjectArray(vm->NewRef(vm->Make({.elements = elements})));
+  };
+  table_.NewByteArray = [](JNIEnv*, jsize size) {
+    if (vm->Fails("NewByteArray")) return jbyteArray();
+    return jbyteArray(vm->NewRef(vm->Make({.bytes = std::vector<jbyte>(size_t(size))})));
+  };
+  table_.SetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i, jobject value) {
+    if (!vm->Fails("SetObjectArrayElement")) vm->At(array)->elements.at(size_t(i)) = vm->At(value);
+  };
+  table_.SetByteArrayRegion = [](JNIEnv*, jbyteArray array, jsize at, jsize n, const jbyte* from) {
+    if (vm->Fails("SetByteArrayRegion")) return;
+    ASSERT_LE(size_t(at + n), vm->At(array)->bytes.size());
+    std::copy_n(from, n, vm->At(array)->bytes.begin() + at);
+  };
+  table_.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
+    if (vm->Fails("GetStringUTFChars")) return nullptr;
+    const std::string& text = vm->At(string)->text;
+    return LendCopy(text.c_str(), text.size() + 1, &vm->lentTexts_);
+  };
+  table_.GetByteArrayElements = [](JNIEnv*, jbyteArray array, jboolean*) -> jbyte* {
+    if (vm->Fails("GetByteArrayElements")) return nullptr;
+    return LendCopy(vm->At(array)->bytes.data(), vm->At(array)->bytes.size(), &vm->lentBytes_);
+  };
+}
+
+}  // namespace lumigram::test
