@@ -1,0 +1,62 @@
+// Hands the bytes of one blob of a picture to Java.
+#include "core/gif/gif_blobs.h"
+#include "core/png/png_blobs.h"
+#include "jni/native_methods.h"
+#include "jni/scoped_jni.h"
+
+namespace lumigram {
+namespace {
+
+struct Blob {
+  ScopedBlock<uint8_t> bytes;
+  uint32_t length = 0;
+};
+
+// A blob has fewer bytes than its picture had when its size was taken. The picture may have grown
+// since.
+Status CopyBlob(const OpenPicture& picture, const char* label, const char* fileName, Blob* blob) {
+  void* bytes = nullptr;
+  const uint32_t capacity = GetMemory(picture.stream.get(), &bytes);
+  blob->bytes.reset(static_cast<uint8_t*>(bytes));
+  if (capacity == 0) return kNoRoom;
+  const auto copy = picture.type == kFileTypeGif ? CopyBlobFromGif : CopyBlobFromPng;
+  return copy(picture.stream.get(), blob->bytes.get(), &blob->length, label, fileName, capacity);
+}
+
+Status ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {
+  OpenPicture picture;
+  {
+    const JavaText text(env, path);
+    if (text.Get() == nullptr) return kNullArgument;
+    if (Status s = picture.Open(text.Get()); s != kOk) return s;
+  }
+  if (picture.type == kFileTypeJpeg) return kUnsupported;  // which has no blobs
+  const JavaText label(env, labelName);
+  if (label.Get() == nullptr) return kNullArgument;
+  const JavaText name(env, fileName);
+  if (name.Get() == nullptr) return kNullArgument;
+  return CopyBlob(picture, label.Get(), name.Get(), blob);
+}
+
+jbyteArray NewArrayOf(JNIEnv* env, const Blob& blob) {
+  const jsize length = static_cast<jsize>(blob.length);
+  LocalRef<jbyteArray> array(env, env->NewByteArray(length));
+  if (array.Get() == nullptr) return nullptr;
+  env->SetByteArrayRegion(array.Get(), 0, length, reinterpret_cast<const jbyte*>(blob.bytes.get()));
+  return ClearException(env) ? nullptr : array.Release();
+}
+
+}  // namespace
+}  // namespace lumigram
+
+using namespace lumigram;
+
+jbyteArray Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(JNIEnv* env, jclass,
+                                                                             jstring path,
+                                                                             jstring labelName,
+                                                                             jstring fileName) {
+  if (path == nullptr || labelName == nullptr || fileName == nullptr) return nullptr;
+  Blob blob;
+  if (ReadBlob(env, path, labelName, fileName, &blob) != kOk || blob.length == 0) return nullptr;
+  return NewArrayOf(env, blob);
+}

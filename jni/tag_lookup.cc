@@ -1,0 +1,48 @@
+// Looks up one tag group of a picture for Java.
+#include <stdlib.h>
+#include <string.h>
+
+#include "jni/java_text.h"
+#include "jni/native_methods.h"
+#include "jni/scoped_jni.h"
+
+namespace lumigram {
+namespace {
+
+struct Contents {
+  char text[kLumigramMaxGroupSize][kLumigramMaxContentBytes + 1];
+};
+
+Status LookUp(JNIEnv* env, jstring path, jstring tagName, Contents* contents) {
+  const JavaText pathText(env, path);
+  if (pathText.Get() == nullptr) return kNullArgument;
+  const JavaText nameText(env, tagName);
+  if (nameText.Get() == nullptr) return kNullArgument;
+  if (strlen(nameText.Get()) > kLumigramMaxTextBytes) return kNullArgument;
+  OpenPicture picture;
+  if (Status s = picture.Open(pathText.Get()); s != kOk) return s;
+  return static_cast<Status>(
+      GetTagInfo(picture.stream.get(), picture.type, nameText.Get(), contents->text));
+}
+
+Status StoreAll(JNIEnv* env, const Contents& contents, jobjectArray results) {
+  for (jsize i = 0; i < kLumigramMaxGroupSize; ++i) {
+    if (!StoreJavaString(env, results, i, contents.text[i])) return kBadField;
+  }
+  return kOk;
+}
+
+}  // namespace
+}  // namespace lumigram
+
+using namespace lumigram;
+
+jint Java_lumigram_jni_LumigramJni_getLumigramTagInfo(JNIEnv* env, jclass, jstring path,
+                                                      jstring tagName, jobjectArray results) {
+  if (path == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
+  if (env->GetArrayLength(results) < kLumigramMaxGroupSize) return kBadArgument;
+  const ScopedBlock<Contents> contents(static_cast<Contents*>(calloc(1, sizeof(Contents))));
+  if (contents == nullptr) return kNoRoom;
+  if (Status s = LookUp(env, path, tagName, contents.get()); s != kOk) return s;
+  return StoreAll(env, *contents, results);
+}
