@@ -1,0 +1,60 @@
+package lumigram.demo;
+
+import java.io.FileDescriptor;
+import java.io.FileOutputStream;
+import java.io.IOException;
+import java.io.PrintStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.Paths;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+
+/**
+ * Shows the library's work on pictures, which it does not change. The arguments are pictures, and
+ * folders of pictures.
+ */
+public final class Demo {
+  private Demo() {}
+
+  public static void main(String[] args) throws IOException {
+    if (args.length == 0) {
+      System.err.println("usage: java -jar lumigram-demo.jar PICTURE_OR_FOLDER...");
+      System.exit(2);
+    }
+    // What is printed is UTF-8, whatever the locale says.
+    PrintStream out = new PrintStream(new FileOutputStream(FileDescriptor.out), false, "UTF-8");
+    run(args, out);
+    out.flush();
+  }
+
+  private static void run(String[] args, PrintStream out) throws IOException {
+    Batch batch = Batch.read(pictures(args));
+    batch.print(out);
+  }
+
+  private static List<Path> pictures(String[] args) throws IOException {
+    List<Path> pictures = new ArrayList<>();
+    for (String arg : args) {
+      Path path = Paths.get(arg);
+      if (Files.isDirectory(path)) {
+        filesIn(path).stream().filter(Demo::looksLikePicture).forEach(pictures::add);
+      } else {
+        pictures.add(path);
+      }
+    }
+    return pictures;
+  }
+
+  private static boolean looksLikePicture(Path file) {
+    return file.toString().matches("(?i).*\\.(gif|png|jpe?g)");
+  }
+
+  private static List<Path> filesIn(Path folder) throws IOException {
+    try (Stream<Path> files = Files.list(folder)) {
+      return files.sorted().collect(Collectors.toList());
+    }
+  }
+}
