@@ -14,7 +14,7 @@ import java.util.stream.Stream;
 
 /**
  * Shows the library's work on pictures, which it does not change. The arguments are pictures, and
- * folders of pictures.
+ * folders of pictures; the exit status is 1 when something did not come out as it should.
  */
 public final class Demo {
   private Demo() {}
@@ -26,13 +26,19 @@ public final class Demo {
     }
     // What is printed is UTF-8, whatever the locale says.
     PrintStream out = new PrintStream(new FileOutputStream(FileDescriptor.out), false, "UTF-8");
-    run(args, out);
+    boolean good = run(args, out);
     out.flush();
+    System.exit(good ? 0 : 1);
   }
 
-  private static void run(String[] args, PrintStream out) throws IOException {
+  private static boolean run(String[] args, PrintStream out) throws IOException {
     Batch batch = Batch.read(pictures(args));
     batch.print(out);
+    out.println();
+    boolean good = TagGroup.show(batch, out);
+    out.println();
+    good &= Blobs.show(batch, out);
+    return good;
   }
 
   private static List<Path> pictures(String[] args) throws IOException {
