@@ -211,7 +211,7 @@ TEST_F(JniRead, StopsAtTheFirstFieldThatCannotBeWritten) {
   justEnough->objects["mNote"]->elements.resize(2);
   justEnough->objects["mPart"]->bytes.resize(2);
   EXPECT_EQ(Read({"full.png"}, {justEnough}, 1), (std::vector<int>{0, 0}));
-  const FailCalls noMemory(kMallocCalls, 0, ENOMEM);
+  const FailCalls noMemory("malloc", 0, ENOMEM);
   EXPECT_EQ(Read({"full.png"}, {Old()}, 1), (std::vector<int>{-99, 5}));
 }
 
