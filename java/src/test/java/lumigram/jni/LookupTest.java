@@ -25,7 +25,7 @@ class LookupTest {
       assertEquals("-99 " + "old,".repeat(9) + "old", lookUp(path, "é".repeat(128), 10), kind);
     }
     assertEquals("-10 old", lookUp("missing.gif", null, 1));
-    assertEquals("-10 old", lookUp(null, "a", 1));
+    assertEquals("-10 " + "old,".repeat(9) + "old", lookUp("a.gif", "x".repeat(257), 10));
   }
 
   /** The status of a lookup and what it leaves in an array of the given length. */
