@@ -43,6 +43,7 @@ TEST(PngBlobs, ByNameAndLabel) {
   Check("behind the image", kAll, "two", 0, kTwoSize, 0, kLarge);
   Check("longer name", kAll, "one.bin.", 0, 0, 0, {});
   Check("longest name", longNamed, longest, 0, 31 + 131072 + 3, 0, kData);
+  Check("other long name", longNamed, std::string("m").append(longest, 1), -30, 0, -30, {});
   Check("name over its limit", longNamed, longest + "n", -99, 0, -99, {});
   Check("any label", kAll, "two", 0, kTwoSize, 0, {4}, "");
   Check("other label", kAll, "one", 0, kOneSize, 0, {}, "EMJ0");
