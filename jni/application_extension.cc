@@ -1,4 +1,6 @@
 // Hands the bytes of one blob of a picture to Java.
+#include <string.h>
+
 #include "core/gif/gif_blobs.h"
 #include "core/png/png_blobs.h"
 #include "jni/native_methods.h"
@@ -39,11 +41,12 @@ Status ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, 
 }
 
 jbyteArray NewArrayOf(JNIEnv* env, const Blob& blob) {
-  const jsize length = static_cast<jsize>(blob.length);
-  LocalRef<jbyteArray> array(env, env->NewByteArray(length));
+  LocalRef<jbyteArray> array(env, env->NewByteArray(static_cast<jsize>(blob.length)));
   if (array.Get() == nullptr) return nullptr;
-  env->SetByteArrayRegion(array.Get(), 0, length, reinterpret_cast<const jbyte*>(blob.bytes.get()));
-  return ClearException(env) ? nullptr : array.Release();
+  JavaBytes elements(env, array.Get(), JavaBytes::kCopyBack);
+  if (elements.Get() == nullptr) return nullptr;
+  memcpy(elements.Get(), blob.bytes.get(), blob.length);
+  return array.Release();
 }
 
 }  // namespace

@@ -3,14 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 
 namespace lumigram::test {
 namespace {
 
 FakeJni* vm;  // the one of the running test
 
-constexpr char kArrayCopy[] =
-    "java/lang/System.arraycopy(Ljava/lang/Object;ILjava/lang/Object;II)V";
+const std::map<char, std::string> kSignatures = {
+    {'J', "J"}, {'B', "[B"}, {'S', "Ljava/lang/String;"}, {'A', "[Ljava/lang/String;"}};
 
 // Whether lead bytes and continuation bytes go together, and none leads to a fourth byte.
 bool IsModifiedUtf8(const std::string& text) {
@@ -20,6 +21,16 @@ bool IsModifiedUtf8(const std::string& text) {
     due = due > 0 ? due - 1 : c < 0x80 ? 0 : c < 0xE0 ? 1 : 2;
   }
   return due == 0;
+}
+
+bool AreEqual(const JavaObject* a, const JavaObject* b) {
+  const auto equalFields = [](const auto& x, const auto& y) {
+    return AreEqual(x.second, y.second);
+  };
+  if (a == nullptr || b == nullptr) return a == b;
+  return a->text == b->text && a->bytes == b->bytes &&
+         std::ranges::equal(a->elements, b->elements, AreEqual) &&
+         std::ranges::equal(a->fields, b->fields, equalFields);
 }
 
 template <typename T>
@@ -37,19 +48,32 @@ JavaObject* FakeJni::Make(JavaObject object) {
   return heap_.back().get();
 }
 
-JavaObject* FakeJni::MakeOld(const JavaObject* type) {
-  JavaObject* object = Make({.type = type});
-  for (const auto& [name, signature] : type->signatures) {
-    JavaObject* old = String("old");
-    if (signature[0] == '[') old = Make({.elements = std::vector<JavaObject*>(100, old)});
-    if (signature == "[B") *old = {.bytes = std::vector<jbyte>(10, 9)};
-    if (signature == "J") {
-      object->numbers[name] = -7;
-    } else {
-      object->objects[name] = old;
+JavaObject* FakeJni::Object(const Values& values) {
+  JavaObject* object = Make();
+  Values signatures;
+  for (const auto& [name, value] : values) {
+    const char kind = value[0];
+    signatures[name] = kSignatures.at(kind);
+    std::istringstream words(value.substr(1));
+    JavaObject* made = String(kind == 'J' || kind == 'S' ? words.str() : "");
+    object->fields[name] = words.str() == "~" ? nullptr : made;
+    for (std::string word; (kind == 'A' || kind == 'B') && std::getline(words, word, '|');) {
+      const size_t star = word.find('*');
+      const size_t times = star < word.size() ? std::stoul(word.substr(star + 1)) : 1;
+      word = word.substr(0, star);
+      if (kind == 'B') made->bytes.insert(made->bytes.end(), times, jbyte(std::atoi(word.c_str())));
+      if (kind == 'A')
+        made->elements.insert(made->elements.end(), times, word == "-" ? nullptr : String(word));
     }
   }
+  JavaObject*& type = classes_[signatures];
+  if (type == nullptr) type = Make({.signatures = signatures});
+  object->type = type;
   return object;
+}
+
+bool FakeJni::Holds(const JavaObject* object, const Values& values) {
+  return AreEqual(object, Object(values));
 }
 
 jobject FakeJni::NewRef(JavaObject* object) {
@@ -102,12 +126,12 @@ void FakeJni::FailEach(const std::function<void()>& call,
   failIn_ = 0;
 }
 
-const std::string& FakeJni::NameOf(jobject object, jfieldID id, char kind) {
-  const auto& field = *reinterpret_cast<const decltype(JavaObject::signatures)::value_type*>(id);
-  const auto& declared = At(object)->type->signatures;
+JavaObject*& FakeJni::FieldOf(jobject object, jfieldID id, bool isNumber) {
+  const auto& field = *reinterpret_cast<const Values::value_type*>(id);
+  const Values& declared = Enter().At(object)->type->signatures;
   EXPECT_EQ(&*declared.find(field.first), &field) << field.first << " of another class";
-  EXPECT_EQ(field.second[0] == 'J', kind == 'J') << field.first;
-  return field.first;
+  EXPECT_EQ(field.second == "J", isNumber) << field.first;
+  return At(object)->fields[field.first];
 }
 
 FakeJni::FakeJni() {
@@ -145,13 +169,13 @@ FakeJni::FakeJni() {
     return vm->NewRef(vm->Enter().At(array)->elements.at(size_t(i)));
   };
   table_.GetObjectField = [](JNIEnv*, jobject object, jfieldID id) {
-    return vm->NewRef(vm->Enter().At(object)->objects[vm->NameOf(object, id, 'L')]);
+    return vm->NewRef(vm->FieldOf(object, id));
   };
   table_.SetObjectField = [](JNIEnv*, jobject object, jfieldID id, jobject value) {
-    vm->Enter().At(object)->objects[vm->NameOf(object, id, 'L')] = vm->At(value);
+    vm->FieldOf(object, id) = vm->At(value);
   };
   table_.SetLongField = [](JNIEnv*, jobject object, jfieldID id, jlong value) {
-    vm->Enter().At(object)->numbers[vm->NameOf(object, id, 'J')] = value;
+    vm->FieldOf(object, id, true) = vm->String(std::to_string(value));
   };
 
   // May fail.
@@ -164,25 +188,22 @@ FakeJni::FakeJni() {
   };
   table_.GetFieldID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
     if (vm->Fails("GetFieldID")) return jfieldID();
-    auto& fields = vm->At(type)->signatures;
-    const auto found = fields.find(name);
-    vm->pending_ = found == fields.end() || found->second != signature;
-    if (vm->pending_) return jfieldID();
-    return reinterpret_cast<jfieldID>(&*found);
+    auto& declared = vm->At(type)->signatures;
+    const auto found = declared.find(name);
+    vm->pending_ = found == declared.end() || found->second != signature;
+    return vm->pending_ ? jfieldID() : reinterpret_cast<jfieldID>(&*found);
   };
   table_.GetStaticMethodID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
     if (vm->Fails("GetStaticMethodID")) return jmethodID();
-    EXPECT_EQ(vm->At(type)->text + "." + name + signature, kArrayCopy);
+    EXPECT_EQ(vm->At(type)->text + "." + name + signature,
+              "java/lang/System.arraycopy(Ljava/lang/Object;ILjava/lang/Object;II)V");
     return jmethodID(vm);
   };
-  table_.CallStaticVoidMethodA = [](JNIEnv*, jclass type, jmethodID id, const jvalue* arguments) {
+  table_.CallStaticVoidMethodA = [](JNIEnv*, jclass type, jmethodID id, const jvalue* a) {
     if (vm->Fails("CallStaticVoidMethodA")) return;
     EXPECT_TRUE(vm->At(type)->text == "java/lang/System" && id == jmethodID(vm));
-    const auto& [from, at, to, begin, n] = *reinterpret_cast<const jvalue(*)[5]>(arguments);
-    ASSERT_LE(size_t(begin.i + n.i), vm->At(to.l)->elements.size());
-    ASSERT_LE(size_t(at.i + n.i), vm->At(from.l)->elements.size());
-    std::copy_n(vm->At(from.l)->elements.begin() + at.i, n.i,
-                vm->At(to.l)->elements.begin() + begin.i);
+    auto &from = vm->At(a[0].l)->elements, &to = vm->At(a[2].l)->elements;
+    for (jint i = 0; i < a[4].i; ++i) to.at(size_t(a[3].i + i)) = from.at(size_t(a[1].i + i));
   };
   table_.NewStringUTF = [](JNIEnv*, const char* text) {
     if (vm->Fails("NewStringUTF")) return jstring();
@@ -192,20 +213,14 @@ FakeJni::FakeJni() {
   table_.NewObjectArray = [](JNIEnv*, jsize size, jclass type, jobject each) {
     if (vm->Fails("NewObjectArray")) return jobjectArray();
     EXPECT_EQ(vm->At(type)->text, "java/lang/String");
-    const std::vector<JavaObject*> elements(size_t(size), vm->At(each));
-    return jobjectArray(vm->NewRef(vm->Make({.elements = elements})));
+    return jobjectArray(vm->NewRef(vm->Make({.elements = {size_t(size), vm->At(each)}})));
   };
   table_.NewByteArray = [](JNIEnv*, jsize size) {
-    if (vm->Fails("NewByteArray")) return jbyteArray();
-    return jbyteArray(vm->NewRef(vm->Make({.bytes = std::vector<jbyte>(size_t(size))})));
+    JavaObject* array = vm->Make({.bytes = std::vector<jbyte>(size_t(size))});
+    return jbyteArray(vm->Fails("NewByteArray") ? nullptr : vm->NewRef(array));
   };
   table_.SetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i, jobject value) {
     if (!vm->Fails("SetObjectArrayElement")) vm->At(array)->elements.at(size_t(i)) = vm->At(value);
-  };
-  table_.SetByteArrayRegion = [](JNIEnv*, jbyteArray array, jsize at, jsize n, const jbyte* from) {
-    if (vm->Fails("SetByteArrayRegion")) return;
-    ASSERT_LE(size_t(at + n), vm->At(array)->bytes.size());
-    std::copy_n(from, n, vm->At(array)->bytes.begin() + at);
   };
   table_.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
     if (vm->Fails("GetStringUTFChars")) return nullptr;

@@ -1,6 +1,5 @@
 // A function table for native methods over a small object model of our own. It counts what it
-// lends, fails on demand as no virtual machine does, and fails the test for a use that one would
-// not survive.
+// lends, fails on demand, and fails the test for a use that a virtual machine would not survive.
 #ifndef LUMIGRAM_TESTS_SUPPORT_FAKE_JNI_H_
 #define LUMIGRAM_TESTS_SUPPORT_FAKE_JNI_H_
 
@@ -16,14 +15,18 @@
 namespace lumigram::test {
 
 struct JavaObject {
-  const JavaObject* type = nullptr;                    // of a plain object: its class
-  std::string text = {};                               // of a string, in modified UTF-8; a name
-  std::vector<JavaObject*> elements = {};              // of an array of objects
-  std::vector<jbyte> bytes = {};                       // of an array of bytes
-  std::map<std::string, std::string> signatures = {};  // of a class: those of its fields, by name
-  std::map<std::string, jlong> numbers = {};  // of a plain object: the values of its fields
-  std::map<std::string, JavaObject*> objects = {};
+  const JavaObject* type = nullptr;        // of an object with fields: its class
+  std::string text = {};                   // of a string, in modified UTF-8; a number or name
+  std::vector<JavaObject*> elements = {};  // of an array of objects
+  std::vector<jbyte> bytes = {};           // of an array of bytes
+  std::map<std::string, JavaObject*> fields = {};      // their values
+  std::map<std::string, std::string> signatures = {};  // of a class: those of its fields
 };
+
+// The values of an object's fields by name, each with its kind in front: "J-7", "Stext" (a string),
+// "B1|2" (an array of bytes), "Aa|b*3|-" (an array of strings: b three times, and a null one). With
+// "~" behind the kind it is null.
+using Values = std::map<std::string, std::string>;
 
 class FakeJni {
  public:
@@ -33,8 +36,10 @@ class FakeJni {
 
   JavaObject* Make(JavaObject object = {});
   JavaObject* String(std::string_view text) { return Make({.text = std::string(text)}); }
-  // An object whose fields hold -7, "old", a hundred "old" and ten times 9.
-  JavaObject* MakeOld(const JavaObject* type);
+  // An object with these fields; those with the same fields are of one class.
+  JavaObject* Object(const Values& values);
+  // Whether the object's fields hold these values.
+  bool Holds(const JavaObject* object, const Values& values);
 
   // A reference for an argument; null for null. It stays the caller's.
   template <typename T>
@@ -57,12 +62,13 @@ class FakeJni {
   FakeJni& Enter();
   bool Fails(const char* function, bool raises = true);
   void CheckAllIsGivenBack() const;
-  const std::string& NameOf(jobject object, jfieldID id, char kind);
+  JavaObject*& FieldOf(jobject object, jfieldID id, bool isNumber = false);
 
   JNINativeInterface_ table_ = {};
   JNIEnv env_;
   std::vector<std::unique_ptr<JavaObject>> heap_;
-  std::vector<JavaObject*> refs_;  // a released reference's number is given out again
+  std::map<Values, JavaObject*> classes_;  // by the signatures of their fields
+  std::vector<JavaObject*> refs_;          // a released reference's number is given out again
   std::set<const void*> lentTexts_, lentBytes_;
   std::map<std::string, int> calls_;
   long arguments_ = 0;
