@@ -6,6 +6,10 @@ bool ReadSubBlock(ByteSource& source, GifSubBlock* block) {
   return source.ReadByte(&block->size) && source.Read({block->bytes, block->size});
 }
 
+bool PutSubBlock(OutputBuffer& out, std::string_view data) {
+  return out.PutByte(static_cast<uint8_t>(data.size())) && out.Put(data);
+}
+
 Status SkipChain(ByteSource& source, uint8_t size) {
   while (size != 0) {
     if (!source.Skip(size)) return kBadStream;

@@ -9,6 +9,7 @@
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
+#include "core/base/output_buffer.h"
 #include "core/base/status.h"
 
 namespace lumigram {
@@ -46,11 +47,15 @@ struct GifImage {
 struct GifSubBlock {
   uint8_t size;  // 0: the terminator of its chain, without bytes
   uint8_t bytes[kMaxSubBlock];
-  std::span<const uint8_t> Data() const { return {bytes, size}; }
+  std::string_view Data() const { return {reinterpret_cast<const char*>(bytes), size}; }
 };
 
 // False when the source is short.
 [[nodiscard]] bool ReadSubBlock(ByteSource& source, GifSubBlock* block);
+
+// Appends a sub-block of at most 255 bytes; without bytes, a terminator. False when it does not
+// fit.
+[[nodiscard]] bool PutSubBlock(OutputBuffer& out, std::string_view data);
 
 // Whether a screen or an image is small enough to be read.
 template <typename Sized>

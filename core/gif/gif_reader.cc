@@ -49,7 +49,7 @@ class DocumentReader : public GifHandler {
 
  private:
   Status ReadScreen(ByteSource& source, GifScreen* screen);
-  Status TakeSubBlock(std::span<const uint8_t> block);
+  Status TakeSubBlock(std::string_view text);
 
   OutputBuffer document_;
   int32_t* const height_;
@@ -102,29 +102,26 @@ Status DocumentReader::OnApplication(ByteSource& source) {
 }
 
 Status DocumentReader::OnComment(ByteSource& source) {
-  uint8_t storage[kMaxSubBlock];
-  uint8_t size;
-  if (!source.ReadByte(&size)) return kMalformed;
-  while (size != 0) {
+  GifSubBlock block;
+  if (!source.ReadByte(&block.size)) return kMalformed;
+  while (block.size != 0) {
     // Every comment of the file is held to the room that the document leaves, also one that is not
     // copied, and before it is known whether the file has its bytes.
-    if (document_.Size() + size > kLumigramMaxDocumentBytes) return kTooLong;
-    const std::span<uint8_t> block(storage, size);
-    if (!source.Read(block)) return kMalformed;
-    if (Status s = TakeSubBlock(block); s != kOk) return s;
-    if (!source.ReadByte(&size)) return kMalformed;
+    if (document_.Size() + block.size > kLumigramMaxDocumentBytes) return kTooLong;
+    if (!source.Read({block.bytes, block.size})) return kMalformed;
+    if (Status s = TakeSubBlock(block.Data()); s != kOk) return s;
+    if (!source.ReadByte(&block.size)) return kMalformed;
   }
   complete_ = started_;
   return kOk;
 }
 
-Status DocumentReader::TakeSubBlock(std::span<const uint8_t> block) {
-  if (BeginsWith(block, kCreatorKey) && *pop_ == 1 && markerFound_ &&
-      !IsCreatorComment({reinterpret_cast<const char*>(block.data()), block.size()}))
+Status DocumentReader::TakeSubBlock(std::string_view text) {
+  if (BeginsWith(text, kCreatorKey) && *pop_ == 1 && markerFound_ && !IsCreatorComment(text))
     *pop_ = 0;
-  if (complete_ || (!started_ && !BeginsWith(block, kRootStart))) return kOk;
+  if (complete_ || (!started_ && !BeginsWith(text, kRootStart))) return kOk;
   started_ = true;
-  return document_.Put(block) ? kOk : kTooLong;
+  return document_.Put(text) ? kOk : kTooLong;
 }
 
 }  // namespace

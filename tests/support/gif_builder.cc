@@ -21,15 +21,15 @@ Bytes GifImage(uint32_t width, uint32_t height, uint8_t packed) {
   return WithColorTable(image, packed) + Bytes{2} + GifChain({0x3B, 0x21, 0x2C, 0x3B}, 3);
 }
 
+static Bytes SubBlock(const Bytes& data) {
+  return Bytes{static_cast<uint8_t>(data.size())} + data;
+}
+
 Bytes GifChain(const Bytes& data, size_t step) {
   Bytes chain;
-  for (size_t at = 0; at < data.size(); at += step) {
-    const size_t size = std::min(step, data.size() - at);
-    chain.push_back(static_cast<uint8_t>(size));
-    chain.insert(chain.end(), &data[at], &data[at] + size);
-  }
-  chain.push_back(0);
-  return chain;
+  for (size_t at = 0; at < data.size(); at += step)
+    chain += SubBlock({&data[at], &data[at] + std::min(step, data.size() - at)});
+  return chain + Bytes{0};
 }
 
 Bytes GifComment(std::string_view text, size_t step) {
@@ -37,18 +37,12 @@ Bytes GifComment(std::string_view text, size_t step) {
 }
 
 Bytes GifApplication(std::string_view identifier, const Bytes& chain) {
-  const Bytes head = {0x21, 0xFF, static_cast<uint8_t>(identifier.size())};
-  return head + Text(identifier) + chain;
+  return Bytes{0x21, 0xFF} + SubBlock(Text(identifier)) + chain;
 }
 
 Bytes GifBlob(std::string_view label, std::string_view name, const Bytes& data) {
-  const Bytes named = Bytes{static_cast<uint8_t>(name.size())} + Text(name);
-  return GifApplication(std::string(label) + std::string(11 - label.size(), '\0'),
-                        named + GifChain(data));
-}
-
-std::string DocumentOf(size_t size) {
-  return "<emoji>" + std::string(size - 15, 'x') + "</emoji>";
+  const std::string padding(11 - label.size(), '\0');
+  return GifApplication(std::string(label) + padding, SubBlock(Text(name)) + GifChain(data));
 }
 
 }  // namespace lumigram::test

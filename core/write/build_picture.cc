@@ -1,0 +1,139 @@
+#include "core/write/build_picture.h"
+
+#include <algorithm>
+
+#include "core/document/document_format.h"
+#include "core/file/path.h"
+#include "core/gif/gif_writer.h"
+#include "core/jpeg/jpeg_writer.h"
+#include "core/png/png_writer.h"
+
+namespace lumigram {
+namespace {
+
+// A picture that is estimated to come out larger, with its document, is refused before it is built.
+constexpr int64_t kMaxEstimate = kLumigramMaxPictureBytes + 10258;
+
+// Enough to find out that a picture is over its limit; no picture gets more.
+constexpr uint64_t kMaxCapacity = 2 * kLumigramMaxPictureBytes;
+
+// The most that a container adds to a document, and to a new blob, besides one size byte for every
+// 255 bytes begun: GIF needs those, PNG the rest.
+constexpr uint64_t kDocumentOverhead = 18;
+constexpr uint64_t kBlobOverhead = 31;
+
+uint64_t InSubBlocks(uint64_t size) {
+  return size + (size + 254) / 255;
+}
+
+// How much the new picture takes. The estimate is what the limit goes by: of the old blobs, those
+// that entries keep. It is short for small new blobs in a PNG picture; the bound, which is what is
+// allocated, is not. In 64 bits: blob files may sum up to more than 32.
+struct Sizes {
+  int64_t estimate;
+  uint64_t bound;
+};
+
+using BlobQuery = decltype(&GetSizeApplicationExtensionFromGif);
+
+// What the named blob, or with null each blob, takes in the source. A query that fails stops
+// counting, and the writer will find the same fault.
+Status QueryBlobs(FILE* stream, BlobQuery query, const char* fileName, int64_t* size) {
+  uint32_t bytes = 0;
+  if (fseek(stream, 0, SEEK_SET) != 0) return kBadStream;
+  (void)query(stream, &bytes, fileName);
+  *size = bytes;
+  return kOk;
+}
+
+Status AddKeptBlob(FILE* stream, BlobQuery query, const AppExtEntry& entry, Sizes* sizes) {
+  char fileName[sizeof(entry.fileName)];
+  CopyText(fileName, TextOf(entry.fileName));
+  int64_t size;
+  if (Status s = QueryBlobs(stream, query, fileName, &size); s != kOk) return s;
+  sizes->estimate += size;
+  return kOk;
+}
+
+Status AddNewBlob(const AppExtEntry& entry, Sizes* sizes) {
+  char path[sizeof(entry.binaryDataUri)];
+  CopyText(path, TextOf(entry.binaryDataUri));
+  const ScopedFile file(OpenForReading(path));
+  const int32_t size = GetFileLength(file.get());
+  if (size <= 0) return kBadBlob;
+  const size_t nameSize = TextOf(entry.fileName).size();
+  sizes->estimate += int64_t{size} + 17 + size / 255 + static_cast<int64_t>(nameSize);
+  sizes->bound += InSubBlocks(static_cast<uint64_t>(size)) + kBlobOverhead + nameSize;
+  return kOk;
+}
+
+Status AddBlobs(FILE* stream, BlobQuery query, const AttrInfo& attr, Sizes* sizes) {
+  int64_t existing;
+  if (Status s = QueryBlobs(stream, query, nullptr, &existing); s != kOk) return s;
+  sizes->estimate -= existing;
+  int kept = 0;
+  for (const AppExtEntry& entry : attr.appExt) {
+    kept += IsKept(entry);
+    if (!IsNew(entry)) continue;
+    if (Status s = AddNewBlob(entry, sizes); s != kOk) return s;
+  }
+  // No blob takes more than all of them: mostly this is enough to know, and each query walks the
+  // whole picture.
+  if (sizes->estimate >= 0 && sizes->estimate + kept * existing <= kMaxEstimate) return kOk;
+  for (const AppExtEntry& entry : attr.appExt) {
+    if (!IsKept(entry)) continue;
+    if (Status s = AddKeptBlob(stream, query, entry, sizes); s != kOk) return s;
+  }
+  return kOk;
+}
+
+Status MeasurePicture(FILE* stream, FileType fileType, const XmlStringInfo& document,
+                      const AttrInfo& attr, Sizes* sizes) {
+  const int32_t length = GetFileLength(stream);
+  if (length <= 0) return kBadStream;
+  const uint64_t documentSize = static_cast<uint64_t>(std::max(document.length, 0));
+  sizes->estimate = length;
+  sizes->bound = static_cast<uint64_t>(length) + InSubBlocks(documentSize) + kDocumentOverhead;
+  switch (fileType) {
+    case kFileTypeGif:
+      return AddBlobs(stream, GetSizeApplicationExtensionFromGif, attr, sizes);
+    case kFileTypePng:
+      return AddBlobs(stream, GetSizeApplicationExtensionFromPng, attr, sizes);
+    default:
+      return kOk;
+  }
+}
+
+Status RunWriter(FILE* stream, FileType fileType, const XmlStringInfo& document,
+                 const AttrInfo& attr, uint32_t capacity, NewPicture* picture) {
+  uint8_t* const out = picture->bytes.get();
+  uint32_t* const length = &picture->length;
+  if (fseek(stream, 0, SEEK_SET) != 0) return kBadStream;
+  switch (fileType) {
+    case kFileTypeGif:
+      return SetXmlStringToGif(stream, &document, out, length, &attr, capacity);
+    case kFileTypePng:
+      return SetXmlStringToPng(stream, &document, out, length, &attr, capacity);
+    default:
+      return SetXmlStringToJpg(stream, &document, out, length, capacity);
+  }
+}
+
+}  // namespace
+
+Status BuildPicture(FILE* stream, FileType fileType, const XmlStringInfo& document,
+                    const AttrInfo& attr, NewPicture* picture) {
+  if (fileType < kFileTypeGif || fileType > kFileTypePng) return kBadArgument;
+  Sizes sizes;
+  if (Status s = MeasurePicture(stream, fileType, document, attr, &sizes); s != kOk) return s;
+  // Below zero: the source claims more blobs than it can hold.
+  if (sizes.estimate < 0 || sizes.estimate > kMaxEstimate) return kNoRoom;
+  const uint32_t capacity = static_cast<uint32_t>(std::min(sizes.bound, kMaxCapacity));
+  picture->bytes.reset(static_cast<uint8_t*>(malloc(capacity)));
+  picture->length = 0;
+  if (picture->bytes == nullptr) return kNoRoom;
+  if (Status s = RunWriter(stream, fileType, document, attr, capacity, picture); s != kOk) return s;
+  return picture->length > kLumigramMaxPictureBytes ? kPictureTooLarge : kOk;
+}
+
+}  // namespace lumigram
