@@ -1,0 +1,143 @@
+// The three writers, through the whole of building a picture and directly: a byte for the
+// container, a record, the picture that is to be rewritten.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "core/base/text.h"
+#include "core/gif/gif_writer.h"
+#include "core/jpeg/jpeg_writer.h"
+#include "core/png/png_writer.h"
+#include "core/write/build_picture.h"
+#include "core/write/document_builder.h"
+#include "fuzz/input.h"
+
+using namespace lumigram;
+using namespace lumigram::fuzz;
+
+namespace {
+
+// The path of a file to embed, which stays open.
+std::string BlobPath(size_t size) {
+  const int fd = memfd_create("blob", 0);
+  const Bytes bytes(size, 0x21);
+  Require(fd >= 0 && write(fd, bytes.data(), size) == static_cast<ssize_t>(size), "a blob file");
+  return "/proc/self/fd/" + std::to_string(fd);
+}
+
+std::string Uri(uint8_t kind, const std::string& name) {
+  static const std::string small = BlobPath(1), large = BlobPath(700), empty = BlobPath(0);
+  switch (kind % 8) {
+    case 0:
+      return small;
+    case 1:
+      return large;
+    case 2:
+      return kind < 16 ? empty : "/nowhere/at.all";
+    case 3:
+    case 4:
+      return "file://THIS/" + name;
+    default:
+      return "";
+  }
+}
+
+struct Record {
+  AttrInfo attr = {};
+  bool keepsBlobs = false;
+  bool foreignLabels = false;  // of new blobs: only "EMJ" marks one as ours
+};
+
+std::unique_ptr<Record> TakeRecord(Input& input) {
+  auto record = std::make_unique<Record>();
+  AttrInfo& attr = record->attr;
+  const uint8_t entries = input.Byte() % 4;
+  for (int i = 0; i < entries; ++i) {
+    CopyText(attr.name[i], input.Text(300));
+    CopyText(attr.tag[i].tagName, input.Text(300));
+    CopyText(attr.tag[i].tagElement, input.Text(1100));
+    AppExtEntry& blob = attr.appExt[i];
+    const std::string label = (input.Byte() % 8 == 0 ? "" : "EMJ") + input.Text(20);
+    CopyText(blob.labelName, label);
+    CopyText(blob.fileName, input.Text(300));
+    const std::string uri = Uri(input.Byte(), blob.fileName);
+    CopyText(blob.binaryDataUri, uri);
+    const bool kept = uri.starts_with("file://");
+    record->keepsBlobs |= kept;
+    record->foreignLabels |= !uri.empty() && !kept && !label.starts_with("EMJ");
+  }
+  return record;
+}
+
+int32_t Build(const Bytes& picture, FileType type, const XmlStringInfo& document,
+              const AttrInfo& attr, Bytes* out) {
+  NewPicture built;
+  const int32_t status = BuildPicture(test::Stream(picture).get(), type, document, attr, &built);
+  if (status == 0) out->assign(built.bytes.get(), built.bytes.get() + built.length);
+  return status;
+}
+
+int32_t Write(const Bytes& picture, FileType type, const XmlStringInfo& document,
+              const AttrInfo& attr, uint32_t room, Bytes* out) {
+  const auto block = Block(room);
+  uint8_t* const bytes = reinterpret_cast<uint8_t*>(block.get());
+  uint32_t length = 0;
+  const ScopedFile stream = test::Stream(picture);
+  const int32_t status =
+      type == kFileTypeGif ? SetXmlStringToGif(stream.get(), &document, bytes, &length, &attr, room)
+      : type == kFileTypeJpeg
+          ? SetXmlStringToJpg(stream.get(), &document, bytes, &length, room)
+          : SetXmlStringToPng(stream.get(), &document, bytes, &length, &attr, room);
+  Require(length <= room, "the picture fits");
+  out->assign(bytes, bytes + length);
+  return status;
+}
+
+void CheckReadBack(const Bytes& source, const Bytes& written, FileType type,
+                   const XmlStringInfo& document) {
+  const ReadResult before = ReadPicture(source, type), after = ReadPicture(written, type);
+  if (after.status != 0) return;  // pictures that are written and not read are many
+  const std::string wanted = document.text;
+  // A picture without a place for it carries none; a document in a later sub-block of a GIF comment
+  // stays.
+  const bool stays = type == kFileTypeGif && after.document == before.document;
+  Require(after.document == wanted || after.document.empty() || stays, "what was written is read");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input(data, size);
+  const FileType type = 1 + input.Byte() % 3;
+  const auto record = TakeRecord(input);
+  const AttrInfo& attr = record->attr;
+  const Bytes source = input.Rest();
+  auto document = std::make_unique<XmlStringInfo>();
+  const int32_t built = BuildDocument(attr, document.get());
+  RequireStatus(built, {0, -41, -42});
+  if (built != 0) return 0;
+
+  Bytes picture;
+  const int32_t status = Build(source, type, *document, attr, &picture);
+  RequireStatus(status, {0, -1, -30, -41, -42, -99});
+  Bytes direct;
+  if (status != 0) {
+    (void)Write(source, type, *document, attr, static_cast<uint32_t>(source.size() / 2), &direct);
+    return 0;
+  }
+  const uint32_t length = static_cast<uint32_t>(picture.size());
+  Require(Write(source, type, *document, attr, length, &direct) == 0 && direct == picture,
+          "room enough");
+  Require(Write(source, type, *document, attr, length - 1, &direct) == -99, "no room");
+  CheckReadBack(source, picture, type, *document);
+  if (record->keepsBlobs || record->foreignLabels) return 0;
+
+  Bytes again, bare, bareSource;
+  Require(Build(picture, type, *document, attr, &again) == 0 && again == picture,
+          "writing twice changes nothing");
+  const XmlStringInfo none = {};
+  const auto nothing = std::make_unique<AttrInfo>();
+  Require(Build(source, type, none, *nothing, &bareSource) == 0 &&
+              Build(picture, type, none, *nothing, &bare) == 0 && bare == bareSource,
+          "nothing but metadata changes");
+  return 0;
+}
