@@ -68,6 +68,14 @@ final class Batch {
     return lines;
   }
 
+  static List<String> tags(String[] names, String[] contents) {
+    List<String> lines = new ArrayList<>();
+    for (int k = 0; k < names.length && !orEmpty(names[k]).isEmpty(); k++) {
+      lines.add(names[k] + " = " + contents[k]);
+    }
+    return lines;
+  }
+
   /** The groups' names, each with the number of its elements when there are several. */
   private static List<String> tagGroups(String[] names) {
     Map<String, Integer> sizes = new LinkedHashMap<>();

@@ -38,6 +38,8 @@ public final class Demo {
     boolean good = TagGroup.show(batch, out);
     out.println();
     good &= Blobs.show(batch, out);
+    out.println();
+    good &= WriteAndReadBack.show(batch, out);
     return good;
   }
 
@@ -58,7 +60,7 @@ public final class Demo {
     return file.toString().matches("(?i).*\\.(gif|png|jpe?g)");
   }
 
-  private static List<Path> filesIn(Path folder) throws IOException {
+  static List<Path> filesIn(Path folder) throws IOException {
     try (Stream<Path> files = Files.list(folder)) {
       return files.sorted().collect(Collectors.toList());
     }
