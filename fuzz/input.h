@@ -59,9 +59,7 @@ class Input {
 };
 
 // A block of exactly that many zero bytes, so that one byte too many is seen.
-inline std::unique_ptr<char[]> Block(size_t size) {
-  return std::make_unique<char[]>(size);
-}
+inline std::unique_ptr<char[]> Block(size_t size) { return std::make_unique<char[]>(size); }
 
 // What a reader delivers, and where it leaves the stream.
 struct ReadResult {

@@ -29,9 +29,7 @@ jstring NewString(JNIEnv*, const char* text) {
   handed = text;
   return nullptr;
 }
-jboolean NoException(JNIEnv*) {
-  return JNI_FALSE;
-}
+jboolean NoException(JNIEnv*) { return JNI_FALSE; }
 
 }  // namespace
 

@@ -12,9 +12,7 @@ constexpr uint32_t kLastCharacter = 0x10FFFF;
 using Byte = unsigned char;
 
 // The terminator continues nothing, so that no test below looks behind it.
-bool Continues(Byte b) {
-  return (b & 0xC0) == 0x80;
-}
+bool Continues(Byte b) { return (b & 0xC0) == 0x80; }
 
 // The size of the sequence at p when Java takes it as it is, else 0. The terminator is taken, too.
 size_t PlainSize(const Byte* p) {

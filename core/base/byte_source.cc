@@ -149,9 +149,7 @@ bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
   }
 }
 
-bool ByteSource::Back(uint64_t n) {
-  return n <= Position() && MoveTo(Position() - n);
-}
+bool ByteSource::Back(uint64_t n) { return n <= Position() && MoveTo(Position() - n); }
 
 bool ByteSource::MoveTo(uint64_t position) {
   if (position >= blockStart_ && position <= blockStart_ + filled_) {

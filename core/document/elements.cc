@@ -49,9 +49,7 @@ int32_t CheckTagState(const char* start, const char* end) {
   return end != nullptr ? kEndTagOnly : kNoTags;
 }
 
-uint32_t GetStrLenUtf8(const char* text) {
-  return text == nullptr ? 0 : CountCharacters(text);
-}
+uint32_t GetStrLenUtf8(const char* text) { return text == nullptr ? 0 : CountCharacters(text); }
 
 // The end tag is searched from the start tag on.
 int32_t GetElementContent(char* doc, const char* startTag, const char* endTag, char* out) {

@@ -8,9 +8,7 @@
 namespace lumigram {
 namespace {
 
-bool FitsSize(uint64_t size) {
-  return size <= kMaxPosition;
-}
+bool FitsSize(uint64_t size) { return size <= kMaxPosition; }
 
 // The position at the stream's end; the stream stays there.
 bool SeekToEnd(FILE* stream, int32_t* size) {

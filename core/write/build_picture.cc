@@ -22,9 +22,7 @@ constexpr uint64_t kMaxCapacity = 2 * kLumigramMaxPictureBytes;
 constexpr uint64_t kDocumentOverhead = 18;
 constexpr uint64_t kBlobOverhead = 31;
 
-uint64_t InSubBlocks(uint64_t size) {
-  return size + (size + 254) / 255;
-}
+uint64_t InSubBlocks(uint64_t size) { return size + (size + 254) / 255; }
 
 // How much the new picture takes. The estimate is what the limit goes by: of the old blobs, those
 // that entries keep. It is short for small new blobs in a PNG picture; the bound, which is what is

@@ -14,15 +14,9 @@ namespace lumigram::test {
 
 using Bytes = std::vector<uint8_t>;
 
-inline Bytes Text(std::string_view text) {
-  return Bytes(text.begin(), text.end());
-}
-inline Bytes Le16(uint32_t v) {
-  return {uint8_t(v), uint8_t(v >> 8)};
-}
-inline Bytes Be16(uint32_t v) {
-  return {uint8_t(v >> 8), uint8_t(v)};
-}
+inline Bytes Text(std::string_view text) { return Bytes(text.begin(), text.end()); }
+inline Bytes Le16(uint32_t v) { return {uint8_t(v), uint8_t(v >> 8)}; }
+inline Bytes Be16(uint32_t v) { return {uint8_t(v >> 8), uint8_t(v)}; }
 inline Bytes Be32(uint32_t v) {
   return {uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)};
 }
@@ -31,9 +25,7 @@ inline Bytes operator+(Bytes a, const Bytes& b) {
   a.insert(a.end(), b.begin(), b.end());
   return a;
 }
-inline Bytes& operator+=(Bytes& a, const Bytes& b) {
-  return a = std::move(a) + b;
-}
+inline Bytes& operator+=(Bytes& a, const Bytes& b) { return a = std::move(a) + b; }
 
 // The bytes with those at `at` replaced by `with`.
 inline Bytes Patched(Bytes bytes, size_t at, const Bytes& with) {

@@ -31,12 +31,8 @@ bool Fails(const char* call) {
 FailCalls::FailCalls(const char* calls, int nth, int error, Times times) {
   plan = {calls, nth, error, times == kFromThenOn, 0};
 }
-FailCalls::~FailCalls() {
-  plan = {};
-}
-bool FailCalls::Happened() const {
-  return plan.made > plan.nth;
-}
+FailCalls::~FailCalls() { plan = {}; }
+bool FailCalls::Happened() const { return plan.made > plan.nth; }
 
 int InChild(const std::function<int()>& run) {
   const pid_t child = fork();
@@ -48,11 +44,9 @@ int InChild(const std::function<int()>& run) {
 
 // The names are those that calls have where file offsets are asked to have 64 bits.
 extern "C" {
-#define WRAP(type, failure, name, parameters, arguments)     \
-  type __real_##name parameters;                             \
-  type __wrap_##name parameters {                            \
-    return Fails(#name) ? failure : __real_##name arguments; \
-  }
+#define WRAP(type, failure, name, parameters, arguments) \
+  type __real_##name parameters;                         \
+  type __wrap_##name parameters { return Fails(#name) ? failure : __real_##name arguments; }
 WRAP(void*, nullptr, malloc, (size_t n), (n))
 WRAP(void*, nullptr, calloc, (size_t n, size_t size), (n, size))
 WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (path, how, mode))

@@ -21,9 +21,7 @@ Bytes GifImage(uint32_t width, uint32_t height, uint8_t packed) {
   return WithColorTable(image, packed) + Bytes{2} + GifChain({0x3B, 0x21, 0x2C, 0x3B}, 3);
 }
 
-static Bytes SubBlock(const Bytes& data) {
-  return Bytes{static_cast<uint8_t>(data.size())} + data;
-}
+static Bytes SubBlock(const Bytes& data) { return Bytes{static_cast<uint8_t>(data.size())} + data; }
 
 Bytes GifChain(const Bytes& data, size_t step) {
   Bytes chain;

@@ -15,9 +15,7 @@ inline Bytes JpegSegmentClaiming(uint32_t length, uint8_t code, const Bytes& dat
 inline Bytes JpegSegment(uint8_t code, const Bytes& data) {
   return JpegSegmentClaiming(uint32_t(data.size()) + 2, code, data);
 }
-inline Bytes JpegComment(std::string_view text) {
-  return JpegSegment(0xFE, Text(text));
-}
+inline Bytes JpegComment(std::string_view text) { return JpegSegment(0xFE, Text(text)); }
 inline Bytes JpegFrame(uint32_t width = 32, uint32_t height = 16, uint8_t code = 0xC0) {
   return JpegSegment(code, Bytes{8} + Be16(height) + Be16(width) + Bytes{1, 1, 0x11, 0});
 }
