@@ -58,11 +58,11 @@ class WriteAttributesTest {
     });
     assertStatus(-99, update -> update.mName[7] = null);
     assertStatus(-99, update -> update.mNote = Arrays.copyOf(update.mNote, 9));
-    assertStatus(-99, update -> update.mApplicationExtensionBinaryDataUri = new String[2]);
+    assertStatus(-99, update -> update.mTags = update.mApplicationExtensionLabelName = null);
+    assertStatus(-99, update -> update.mApplicationExtensionLabelName = new String[2]);
     assertStatus(-50, update -> update.mTagsElement[1] = "file://THIS/pic.bin");
     assertStatus(-41, update -> update.mApplicationExtensionBinaryDataUri[2] = "/no/pic.bin");
-    String path = save(folder, "a.png", picture("png", null));
-    assertEquals(-99, LumigramJni.setLumigramAttrInfo(path, new LumigramAttrInfo()));
+    assertEquals(-99, LumigramJni.setLumigramAttrInfo("missing.gif", marked(1)[0]));
   }
 
   private void assertStatus(int status, Consumer<LumigramAttrUpdate> change) throws Exception {
