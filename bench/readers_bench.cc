@@ -2,13 +2,10 @@
 // open, fstat, read whole, close. Both are measured in turn, round by round; "ratio" is the median
 // of the rounds' ratios. Usage: readers_bench [benchmark options] [FOLDER]: the pictures of a
 // folder, or a set built for the occasion.
-#include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <cstring>
 #include <filesystem>
@@ -16,12 +13,11 @@
 #include <mutex>
 #include <thread>
 
+#include "bench/paired.h"
 #include "bench/pictures.h"
 
 namespace lumigram::bench {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 void ReadWhole(const std::string& path) {
   static char contents[kLumigramMaxPictureBytes];
@@ -55,34 +51,6 @@ void ReadDocument(const std::string& path) {
   if (status != kLumigramOk) abort();
   memset(document, 0, strlen(document));
   fclose(stream);
-}
-
-template <typename Work>
-double SecondsOver(const std::vector<std::string>& paths, Work work) {
-  const Clock::time_point start = Clock::now();
-  for (const std::string& path : paths) work(path);
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + std::ssize(values) / 2;
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-void ReadDocuments(benchmark::State& state, const PictureSet& set) {
-  std::vector<double> ratios, yardsticks;
-  for (auto _ : state) {
-    const double yardstick = SecondsOver(set.paths, ReadWhole);
-    const double seconds = SecondsOver(set.paths, ReadDocument);
-    state.SetIterationTime(seconds);
-    ratios.push_back(seconds / yardstick);
-    yardsticks.push_back(yardstick);
-  }
-  const double pictures = static_cast<double>(set.paths.size());
-  state.counters["pictures"] = pictures;
-  state.counters["yardstick_us"] = Median(yardsticks) / pictures * 1e6;
-  state.counters["ratio"] = Median(ratios);
 }
 
 // A second thread makes stdio take its locks, as it does in a Java virtual machine.
@@ -122,7 +90,9 @@ int main(int argc, char** argv) {
       argc > 1 ? PicturesOf(argv[1]) : BuildPictures(built.string());
   for (const PictureSet& set : sets) {
     benchmark::RegisterBenchmark(set.name.c_str(),
-                                 [&set](benchmark::State& state) { ReadDocuments(state, set); })
+                                 [&set](benchmark::State& state) {
+                                   MeasurePaired(state, set.paths, ReadDocument, ReadWhole);
+                                 })
         ->UseManualTime()
         ->Unit(benchmark::kMicrosecond)
         ->MinTime(1.0);
