@@ -22,6 +22,19 @@ Status ReadScreen(ByteSource& source, GifScreen* screen) {
   return source.Read(screen->bytes) ? kOk : kMalformed;
 }
 
+// Counts only what the file has: a truncated picture must not seem to hold more than its size.
+Status CountChain(ByteSource& source, uint32_t* total) {
+  uint8_t size;
+  do {
+    if (!source.ReadByte(&size)) return kMalformed;
+    *total += 1;
+    if (size > source.Remaining()) return kMalformed;
+    if (!source.Skip(size)) return kBadStream;
+    *total += size;
+  } while (size != 0);
+  return kOk;
+}
+
 class BlobMeter : public GifHandler {
  public:
   // The name's data() is null to count all blobs.
@@ -30,7 +43,6 @@ class BlobMeter : public GifHandler {
   Status OnApplication(ByteSource& source);
 
  private:
-  Status CountChain(ByteSource& source);
   Status CountNamed(ByteSource& source);
 
   const std::string_view fileName_;
@@ -44,7 +56,7 @@ Status BlobMeter::OnApplication(ByteSource& source) {
   if (!BeginsWith(identifier.Data(), kBlobMark)) return SkipChain(source);
   if (fileName_.data() != nullptr) return CountNamed(source);
   *size_ += kBlockHead;
-  return CountChain(source);
+  return CountChain(source, size_);
 }
 
 Status BlobMeter::CountNamed(ByteSource& source) {
@@ -55,20 +67,33 @@ Status BlobMeter::CountNamed(ByteSource& source) {
     done = true;
   }
   if (name.size == 0) return kOk;
-  return done ? CountChain(source) : SkipChain(source);
+  return done ? CountChain(source, size_) : SkipChain(source);
 }
 
-// Counts only what the file has: a truncated picture must not seem to hold more than its size.
-Status BlobMeter::CountChain(ByteSource& source) {
-  uint8_t size;
-  do {
-    if (!source.ReadByte(&size)) return kMalformed;
-    *size_ += 1;
-    if (size > source.Remaining()) return kMalformed;
-    if (!source.Skip(size)) return kBadStream;
-    *size_ += size;
-  } while (size != 0);
-  return kOk;
+class AllBlobsMeter : public GifHandler {
+ public:
+  explicit AllBlobsMeter(const AttrInfo& attr) : names_(attr) {}
+
+  Status OnApplication(ByteSource& source);
+  const BlobSizes& Sizes() const { return sizes_; }
+
+ private:
+  KeptNames names_;
+  BlobSizes sizes_;
+};
+
+Status AllBlobsMeter::OnApplication(ByteSource& source) {
+  GifSubBlock identifier, name;
+  if (!ReadSubBlock(source, &identifier)) return kMalformed;
+  if (identifier.size == 0) return kOk;
+  if (!BeginsWith(identifier.Data(), kBlobMark)) return SkipChain(source);
+  const uint64_t start = source.Position();
+  const bool isNamed = ReadSubBlock(source, &name);
+  uint32_t size = kBlockHead;
+  const Status s = source.Back(source.Position() - start) ? CountChain(source, &size) : kBadStream;
+  sizes_.all += size;
+  if (isNamed) sizes_.kept += uint64_t{size} * names_.TakeFound(name.Data());
+  return s;
 }
 
 class BlobCopier : public GifHandler {
@@ -131,6 +156,14 @@ Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
   if (!IsEmojiSized(screen)) return kDimensions;
   BlobCopier copier(label, fileName, OutputBuffer(data, capacity), dataLength);
   return WalkGifBlocks(source, screen, copier);
+}
+
+BlobSizes MeasureBlobsInGif(FILE* stream, const AttrInfo& attr) {
+  AllBlobsMeter meter(attr);
+  ByteSource source(stream);
+  GifScreen screen;
+  if (ReadScreen(source, &screen) == kOk) (void)WalkGifBlocks(source, screen, meter);
+  return meter.Sizes();
 }
 
 }  // namespace lumigram

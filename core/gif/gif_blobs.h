@@ -1,4 +1,4 @@
-// Copies a blob out of a GIF picture.
+// Measures all blobs of a GIF picture at once, and copies one out of it.
 #ifndef LUMIGRAM_CORE_GIF_GIF_BLOBS_H_
 #define LUMIGRAM_CORE_GIF_GIF_BLOBS_H_
 
@@ -6,6 +6,7 @@
 #include <stdio.h>
 
 #include "core/base/status.h"
+#include "core/document/kept_blobs.h"
 
 namespace lumigram {
 
@@ -13,6 +14,10 @@ namespace lumigram {
 // does not fit, as one may that comes from a file that has grown since its size was taken.
 Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
                        const char* fileName, uint32_t capacity);
+
+// As GetSizeApplicationExtensionFromGif(), for all blobs and for each that the record keeps, in one
+// walk. What a walk that fails has counted so far counts; the stream is not put back.
+BlobSizes MeasureBlobsInGif(FILE* stream, const AttrInfo& attr);
 
 }  // namespace lumigram
 

@@ -3,6 +3,8 @@
 
 #include <string.h>
 
+#include <algorithm>
+
 #include "core/document/document_format.h"
 #include "core/png/png_format.h"
 
@@ -47,6 +49,25 @@ Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
     }
     if (!SkipChunkData(source, chunk)) return kBadStream;
   }
+}
+
+// Counts a chunk, if it is a blob of ours. False at the end of the file; else the source is back at
+// the chunk's data.
+bool CountChunk(ByteSource& source, const ChunkHeader& chunk, KeptNames* names, BlobSizes* sizes) {
+  const uint64_t start = source.Position();
+  uint8_t fields[kLabelAndNameLengthSize];
+  const std::span<uint8_t> mark(fields, kBlobMark.size());
+  if (!source.Read(mark)) return false;
+  if (BeginsWith(mark, kBlobMark)) {
+    const uint64_t size = kChunkHeaderSize + uint64_t{chunk.length} + kChunkCrcSize;
+    sizes->all += size;
+    uint8_t name[kLumigramMaxTextBytes];
+    if (!source.Read(std::span(fields).subspan(mark.size()))) return false;
+    const size_t left = std::min<uint64_t>(source.Remaining(), sizeof(name));
+    if (!source.Read({name, left})) return false;
+    sizes->kept += size * names->TakeFound({reinterpret_cast<const char*>(name), left});
+  }
+  return source.Back(source.Position() - start);
 }
 
 // Whether the chunk is the blob that is wanted. The source then stands at its data length, else
@@ -106,6 +127,20 @@ Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
   if (!source.Read({data, size})) return kMalformed;
   *dataLength = size;
   return kOk;
+}
+
+BlobSizes MeasureBlobsInPng(FILE* stream, const AttrInfo& attr) {
+  BlobSizes sizes;
+  KeptNames names(attr);
+  ByteSource source(stream);
+  PngHead head;
+  if (!source.Measure() || !source.Read(head.bytes)) return sizes;
+  ChunkHeader chunk;
+  while (ReadChunkHeader(source, &chunk) && chunk.type != kEndChunk) {
+    if (chunk.type == kBlobChunk && !CountChunk(source, chunk, &names, &sizes)) break;
+    if (!SkipChunkData(source, chunk)) break;
+  }
+  return sizes;
 }
 
 }  // namespace lumigram

@@ -1,4 +1,5 @@
-// The copying of one blob of a PNG picture, into a buffer of known size.
+// The measuring of all blobs of a PNG picture at once, and the copying of one into a buffer of
+// known size.
 #ifndef LUMIGRAM_CORE_PNG_PNG_BLOBS_H_
 #define LUMIGRAM_CORE_PNG_PNG_BLOBS_H_
 
@@ -6,6 +7,7 @@
 #include <stdio.h>
 
 #include "core/base/status.h"
+#include "core/document/kept_blobs.h"
 
 namespace lumigram {
 
@@ -13,6 +15,10 @@ namespace lumigram {
 // of its size was made. A blob over the capacity is kNoRoom, and nothing of it is copied.
 Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
                        const char* fileName, uint32_t capacity);
+
+// As GetSizeApplicationExtensionFromPng(), for all blobs and for each that the record keeps, in one
+// walk. What a walk that fails has counted so far counts; the stream is not put back.
+BlobSizes MeasureBlobsInPng(FILE* stream, const AttrInfo& attr);
 
 }  // namespace lumigram
 

@@ -4,8 +4,10 @@
 
 #include "core/document/document_format.h"
 #include "core/file/path.h"
+#include "core/gif/gif_blobs.h"
 #include "core/gif/gif_writer.h"
 #include "core/jpeg/jpeg_writer.h"
+#include "core/png/png_blobs.h"
 #include "core/png/png_writer.h"
 
 namespace lumigram {
@@ -32,27 +34,6 @@ struct Sizes {
   uint64_t bound;
 };
 
-using BlobQuery = decltype(&GetSizeApplicationExtensionFromGif);
-
-// What the named blob, or with null each blob, takes in the source. A query that fails stops
-// counting, and the writer will find the same fault.
-Status QueryBlobs(FILE* stream, BlobQuery query, const char* fileName, int64_t* size) {
-  uint32_t bytes = 0;
-  if (fseek(stream, 0, SEEK_SET) != 0) return kBadStream;
-  (void)query(stream, &bytes, fileName);
-  *size = bytes;
-  return kOk;
-}
-
-Status AddKeptBlob(FILE* stream, BlobQuery query, const AppExtEntry& entry, Sizes* sizes) {
-  char fileName[sizeof(entry.fileName)];
-  CopyText(fileName, TextOf(entry.fileName));
-  int64_t size;
-  if (Status s = QueryBlobs(stream, query, fileName, &size); s != kOk) return s;
-  sizes->estimate += size;
-  return kOk;
-}
-
 Status AddNewBlob(const AppExtEntry& entry, Sizes* sizes) {
   char path[sizeof(entry.binaryDataUri)];
   CopyText(path, TextOf(entry.binaryDataUri));
@@ -65,22 +46,15 @@ Status AddNewBlob(const AppExtEntry& entry, Sizes* sizes) {
   return kOk;
 }
 
-Status AddBlobs(FILE* stream, BlobQuery query, const AttrInfo& attr, Sizes* sizes) {
-  int64_t existing;
-  if (Status s = QueryBlobs(stream, query, nullptr, &existing); s != kOk) return s;
-  sizes->estimate -= existing;
-  int kept = 0;
+using BlobMeasure = decltype(&MeasureBlobsInGif);
+
+// A walk that fails stops counting, and the writer will find the same fault.
+Status AddBlobs(FILE* stream, BlobMeasure measure, const AttrInfo& attr, Sizes* sizes) {
+  const BlobSizes blobs = measure(stream, attr);
+  sizes->estimate += static_cast<int64_t>(blobs.kept) - static_cast<int64_t>(blobs.all);
   for (const AppExtEntry& entry : attr.appExt) {
-    kept += IsKept(entry);
     if (!IsNew(entry)) continue;
     if (Status s = AddNewBlob(entry, sizes); s != kOk) return s;
-  }
-  // No blob takes more than all of them: mostly this is enough to know, and each query walks the
-  // whole picture.
-  if (sizes->estimate >= 0 && sizes->estimate + kept * existing <= kMaxEstimate) return kOk;
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (!IsKept(entry)) continue;
-    if (Status s = AddKeptBlob(stream, query, entry, sizes); s != kOk) return s;
   }
   return kOk;
 }
@@ -94,9 +68,9 @@ Status MeasurePicture(FILE* stream, FileType fileType, const XmlStringInfo& docu
   sizes->bound = static_cast<uint64_t>(length) + InSubBlocks(documentSize) + kDocumentOverhead;
   switch (fileType) {
     case kFileTypeGif:
-      return AddBlobs(stream, GetSizeApplicationExtensionFromGif, attr, sizes);
+      return AddBlobs(stream, MeasureBlobsInGif, attr, sizes);
     case kFileTypePng:
-      return AddBlobs(stream, GetSizeApplicationExtensionFromPng, attr, sizes);
+      return AddBlobs(stream, MeasureBlobsInPng, attr, sizes);
     default:
       return kOk;
   }
