@@ -58,16 +58,104 @@ TEST_F(JniPicture, CopiesABlob) {
   const std::string bytes("a\0\xFF", 3);
   const std::string png = folder_.Write(
       "a.png", PngStart() + PngBlob("EMJ00000000", "x1", test::Text(bytes)) + kPngEnd);
-  const std::string jpg = folder_.Write("a.jpg", kJpegStart + JpegFrame() + kJpegEnd);
-  for (const std::string& path : {jpg, folder_.Path("b.png"), folder_.Write("0.png", {}),
-                                  folder_.Write("cut.png", PngStart())}) {
-    EXPECT_EQ(Blob(path, "EMJ", "x1"), "null") << path;
-  }
+  EXPECT_EQ(Blob(folder_.Write("a.jpg", kJpegStart + JpegFrame() + kJpegEnd), "", ""), "null");
+  EXPECT_EQ(Blob(folder_.Write("0.png", {}), "EMJ", "x1"), "null");
   EXPECT_EQ(Blob(png, "EMJ", "x2"), "null");
   std::string found;
   vm_.FailEach(
       [&] { found = Blob(png, "EMJ", "x"); },
       [&](const std::string& failed) { EXPECT_EQ(found, failed.empty() ? bytes : "null"); });
+}
+
+constexpr char kLabels[] = "mApplicationExtensionLabelName";
+constexpr char kUris[] = "mApplicationExtensionBinaryDataUri";
+
+class JniWrite : public JniPicture {
+ protected:
+  int Write(const Values& object, const std::string& path) {
+    return Java_lumigram_jni_LumigramJni_setLumigramAttrInfo(
+        vm_.Env(), nullptr, Text(path), vm_.Argument<jobject>(vm_.Object(object)));
+  }
+
+  const std::string blob_ = folder_.Write("wink.dat", test::Text("blob"));
+  const Bytes kept_ = PngBlob("EMJ00000000", "b.dat", test::Text("b"));
+  const Bytes old_ = PngStart() + kept_ + kPngImage + kPngEnd;
+  const std::string path_ = folder_.Write("a.png", old_);
+  // The second tag has a new blob, the third one that the picture has.
+  const Values full_ = {{"mName", "Asmile||wink|*7"},
+                        {"mNote", "Ahappy|dropped|*8"},
+                        {"mPart", "B1|2|-1"},
+                        {"mCategory", "Sface"},
+                        {"mType", "S~"},
+                        {"mTags", "Acolor|motion|sound|-|unseen"},
+                        {"mTagsElement", "Ayellow|ignored|file://THIS/a/b.dat"},
+                        {kLabels, "A-|EMJ"},
+                        {kUris, "A-|" + blob_}};
+};
+
+TEST_F(JniWrite, WritesEveryField) {
+  EXPECT_EQ(Write(full_, path_), 0);
+  const Bytes document = PngDocument(
+      "<emoji><label><name>smile</name><note>happy</note><part>名詞</part></label>"
+      "<label><name>wink</name></label><category>face</category><tags name=\"color\">yellow</tags>"
+      "<tags name=\"motion\">file://THIS/wink.dat</tags>"
+      "<tags name=\"sound\">file://THIS/a/b.dat</tags></emoji>");
+  const Bytes added = PngBlob("EMJ" + std::string(8, '\0'), "wink.dat", test::Text("blob"));
+  EXPECT_EQ(ReadWhole(path_), PngStart() + kept_ + document + added + kPngImage + kPngEnd);
+  Values none = full_;
+  none["mTags"] = "A~";
+  none["mCategory"] = "S~";
+  none["mName"] = "A*10";
+  EXPECT_EQ(Write(none, path_), 0);
+  EXPECT_EQ(ReadWhole(path_), PngStart() + PngDocument("<emoji></emoji>") + kPngImage + kPngEnd);
+  // What stands behind the hundredth tag is not looked at.
+  none["mTags"] = "Ac*101";
+  none["mTagsElement"] = "Ax*100";
+  EXPECT_EQ(Write(none, path_), 0);
+}
+
+TEST_F(JniWrite, RefusesWhatIsNotComplete) {
+  // A field, its value or none when the class lacks it, and the status.
+  std::vector<std::tuple<std::string, std::string, int>> rows = {
+      {"mName", "A*9", -99},
+      {"mName", "A1234567890123456789012345|*9", -41},
+      {"mNote", "A*9", -99},
+      {"mTagsElement", "Ayellow|-|x", -99},
+      {"mTagsElement", "Afile://THIS/wink.dat|ignored|x", -50},
+      // The name is taken before the text is cut.
+      {"mTagsElement", "Afile://THIS/" + std::string(1100, 'x') + "/wink.dat|ignored|x", -50},
+      {kLabels, "AEMJ|EMJ", -99},
+      {kLabels, "A", -99},
+      {kUris, "A-", -99},
+      {kUris, "A-|wink.dat", -99},
+      {kUris, "A-|/missing/wink.dat", -41},
+  };
+  for (const auto& [field, value] : full_) {
+    rows.push_back({field, "", -99});
+    if (value[0] != 'S' && field != "mTags") rows.push_back({field, value.substr(0, 1) + "~", -99});
+  }
+  for (const auto& [field, value, status] : rows) {
+    Values object = full_;
+    object[field] = value;
+    if (value.empty()) object.erase(field);
+    EXPECT_EQ(Write(object, path_), status) << field << value;
+    EXPECT_EQ(ReadWhole(path_), old_) << field << value;
+  }
+  EXPECT_EQ(Write(full_, folder_.Path("a.bmp")), -21);
+  EXPECT_EQ(Write(full_, folder_.Path("missing.png")), -20);
+  EXPECT_EQ(Write({}, folder_.Path("a.bmp")), -99);
+}
+
+TEST_F(JniWrite, AFailureOfTheMachineLeavesThePictureAlone) {
+  int status;
+  const auto write = [&] {
+    folder_.Write("a.png", old_);
+    status = Write(full_, path_);
+  };
+  vm_.FailEach(write, [&](const std::string& failed) {
+    EXPECT_EQ(status, failed.empty() ? 0 : -99);
+    EXPECT_EQ(ReadWhole(path_) == old_, !failed.empty());
+  });
 }
 
 }  // namespace

@@ -47,13 +47,12 @@ class FakeJni {
     if (object != nullptr) ++arguments_;
     return static_cast<T>(NewRef(object));
   }
-  // What a reference stands for.
-  JavaObject* At(jobject ref);
+  JavaObject* At(jobject ref);  // what it stands for
   int Calls(const std::string& function) { return calls_[function]; }
 
-  // Runs the call again and again, with its first fallible JNI call failing, then its second, and
-  // so on, until nothing is left to fail. Each time it must have given back all that was lent to it
-  // and left no exception; check() sees the name of the function that failed, the last time none.
+  // Runs the call with its first fallible JNI call failing, then with its second, and so on until
+  // none fails. Each time it must have given back all that was lent to it and left no exception.
+  // check() sees the name of the function that failed, the last time none.
   void FailEach(const std::function<void()>& call,
                 const std::function<void(const std::string& failed)>& check);
 
