@@ -1,0 +1,241 @@
+#!/usr/bin/env python3
+"""The command line tool from end to end, on copies of the samples: tests/tool_test.py [PROGRAM]"""
+import json
+import os
+import pathlib
+import pty
+import shlex
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import zlib
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TOOL = str(pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/release/lumigram").resolve())
+counts = {"PASS": 0, "FAIL": 0}
+
+
+def report(name, *faults):
+    outcome = "FAIL" if any(faults) else "PASS"
+    counts[outcome] += 1
+    print(outcome, name, *(f"\n    {fault}" for fault in faults if fault))
+
+
+def run(command, stdin=""):
+    words = shlex.split(command) if isinstance(command, str) else command
+    done = subprocess.run([TOOL, *words], input=stdin.encode(), capture_output=True, timeout=60)
+    return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
+
+
+def contents():
+    return {path.name: path.read_bytes() for path in pathlib.Path().iterdir() if path.is_file()}
+
+
+def chunk(kind, data):
+    return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+
+def blob(label, name):
+    return chunk(b"emJe", label.ljust(11, b"\0") + struct.pack(">I", len(name)) + name + struct.pack(">I4s", 4, b"data"))
+
+
+def png(body, *chunks, tail=b""):
+    """The plain sample with a document of that body, right or wrong, and with further chunks."""
+    plain = (ROOT / "samples/plain.png").read_bytes()
+    image = plain.index(b"IDAT") - 4
+    body = body.encode() if isinstance(body, str) else body
+    document = chunk(b"tEXt", b"Emoji\0<emoji>" + body + b"</emoji>")
+    return plain[:image] + document + b"".join(chunks) + plain[image:] + tail
+
+
+def label(name, more=""):
+    return f"<label><name>{name}</name>{more}</label>"
+
+
+def tags(*elements):
+    return "".join(f'<tags name="{name}">{content}</tags>' for name, content in elements)
+
+
+# What a picture carries, what is said about it, and its labels and tags after it was rewritten by force.
+LOSING = {
+    "nameless label": (png("<label><note>n</note></label>" + tags(("a", "b"))), "label 1 has no name", [], ["a"]),
+    "long name": (png(label("n" * 25) + tags(("a", "b"))), "has 25 characters where 24 are allowed", [], ["a"]),
+    "eleventh label": (png("".join(map(label, "abcdefghijk"))), 'label 11 "k" is one too many', [*"abcdefghij"], []),
+    "unknown part": (png(label("n", "<part>verb</part>")), 'unknown: "verb"', ["n"], []),
+    "text between": (png(label("n") + "<icon>x</icon>"), 'between the elements stands "<icon>x</icon>"', ["n"], []),
+    "long content": (png(label("n") + tags(("a", "b"), ("t", "c" * 1025))), "no tag of the picture is read", ["n"], []),
+    "eleventh name": (png(tags(*[(n, "c") for n in "abcdefghijk"])), "eleventh name", [], [*"abcdefghij"]),
+    "eleventh of a name": (png(tags(*[("a", "c")] * 11)), "one too many of its name", [], ["a"] * 10),
+    "empty first content": (png(tags(("a", ""), ("b", "c"))), "no content is read", [], ["b"]),
+    "long category": (png(label("n") + f"<category>{'c' * 257}</category>"), "category is 1 bytes longer", ["n"], []),
+    "no text": (png(label("n").encode().replace(b"n<", b"n\xff<")), "is not valid text", ["n\ufffd"], []),
+    "markup": (png(label("n") + tags(("a", label("hidden")))), "is read otherwise", ["n"], None),
+    "blob without a tag": (png(label("n"), blob(b"EMJ", b"lost")), 'blob "lost" is named by no tag', ["n"], []),
+    "foreign blob": (png(label("n"), blob(b"XYZ", b"lost")), "rewriting drops it", ["n"], []),
+    "tail": (png(label("n"), tail=b"behind"), "6 bytes follow the end of the picture", ["n"], []),
+}
+
+# ---- commands: exit status, and what stands in the output, or, after "!", in the errors ---------------
+
+FROM = "set --from -"
+COMMANDS = [
+    ("show wink.gif", 0, "wink.gif\tpicture\tGIF\t64x64\t1354 bytes\nwink.gif\tlabel\twink\t😉\t名詞-サ変接続\n"),
+    ("show smile.gif link.gif", 0, "\tpop\n", "\tblob\tEMJMOTION\tmotion.json\t620 bytes\n"),
+    ("show cut.png wide.gif plain.png", 1, "plain.png\tpicture", "!cut.png: damaged or truncated picture (-30)\n",
+     "!wide.gif: picture over 960 pixels (-31)\n"),
+    ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: No such file or directory (-20)\n",
+     "!README.md: unsupported file type (-21)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
+     "!.: a folder; -r takes the pictures in it (-20)\n"),
+    ("tag color smile.gif", 0, "yellow\n黄色\n"),
+    ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
+    ("extract EMJ motion smile.gif", 1, '!smile.gif: no blob "motion" labelled "EMJ" (-99)\n'),
+    ("check wink.gif star.png", 0, "2 fine\n"),
+    ("check sub -r", 0, "1 fine\n"),
+    ("set -n --category= --label 'smile 😀:a\\:b' --label 笑う::15 --label '[new]:n:1' --tag color=red smile.gif", 0,
+     "-\tcategory\tface\n", "-\tlabel\tsmile 😀\ta friendly face\t名詞\n", "+\tlabel\tsmile 😀\ta:b\t名詞\n",
+     "+\tlabel\t[new]\tn\t名詞\n", "-\ttag\tcolor\t黄色\n", "+\ttag\tcolor\tred\n", "1 would be written\n"),
+    ("set --category face --tag mood='happy 🎉' smile.gif ./smile.gif link.gif", 0, "0 written, 1 unchanged\n"),
+    ("set --embed EMJX:motion=out.bin heart.png sun.jpg", 1, "1 written, 1 failed\n", "!sun.jpg: a JPEG picture carries"),
+    ("set --embed EMJX:other=sub/boing.mid heart.png", 1, '!two blobs would have the name "boing.mid" (-50)\n'),
+    ("set --tag eleven=x star.png", 1, '!star.png: tag "eleven" with "x" has an eleventh name: it is not read (-41)\n'),
+    ("set --tag 'a=<label>' --category new wink.gif", 1, "!wink.gif: the content of tag 1 holds <label>, which is markup"),
+    ("set --backup --category c classic.gif", 1, '!classic.gif: the backup "classic.gif~": File exists (-99)\n'),
+    ("set --replace --label only smile.gif plain.png", 0, "2 written\n"),
+    ("clear smile.gif heart.png plain.png", 0, "2 written, 1 unchanged\n"),
+    ("set star.png", 2, "!lumigram: set: nothing to change\n"),
+    ("set --label a:b:22 star.png", 2, '!not "22"\n'),
+    (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters where 24 are allowed"),
+    ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label begins with EMJ and has at most 11 bytes\n"),
+    ("set --label 'a</name>' star.png", 2, "!the name of label 1 holds </name>, which is markup of the document\n"),
+    ("set --tag 'a\">b=c' star.png", 2, '!the name of tag 1 holds ">, which is markup'),
+    (FROM, 2, "[{]", "!standard input: line 1, column 3: "),
+    (FROM, 2, '[{"path": "star.png", "labels": [{"name": "x"}, {"name": 3}]}]', "!/0/labels/1/name: expected a text, found 3\n"),
+    (FROM, 2, '[{"path": "star.png", "labels": [{"nome": "x"}]}]', "!/0/labels/0/nome: expected one of the members name, "),
+    (FROM, 2, '[{"path": "star.png", "category": "x"}, {"category": "c"}]', '!/1: expected a member "path"'),
+    (FROM, 2, '[{"path": "smile.gif", "type": "x"}, {"path": "link.gif"}]', "!/1/path: expected each picture once"),
+    (FROM + " plain.png star.png", 0, '{"category": "c", "tags": [{"name": "n", "label": "EMJ1", "file": "out.bin"}]}',
+     "2 written\n"),
+]
+
+
+def prepare(folder):
+    os.chdir(ROOT)
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(ROOT / "samples", folder)
+    os.chdir(folder)
+    os.mkfifo("fifo.png")
+    os.symlink("smile.gif", "link.gif")
+    os.mkdir("sub")
+    shutil.copy("blobs/boing.mid", "sub")
+    shutil.copy("classic.gif", "sub/.lumigram-abcdefgh.gif")
+    shutil.copy("classic.gif", "sub/CLASSIC.GIF")
+    for name, data in (("empty.gif", b""), ("out.bin", b"some bytes"), ("classic.gif~", b"old")):
+        pathlib.Path(name).write_bytes(data)
+
+
+def test_commands(folder):
+    for command, status, *expected in COMMANDS:
+        prepare(folder)
+        before = contents()
+        got, out, err = run(command, expected.pop(0) if command.startswith(FROM) else "")
+        missing = [text for text in expected if text.lstrip("!") not in (err if text[0] == "!" else out)]
+        report(command[:100], got != status and f"status {got}", missing and f"no {missing} in:\n{out}{err}",
+               " written" not in out and contents() != before and "files have changed")
+
+
+def test_losing(folder):
+    for name, (picture, text, labels, names) in LOSING.items():
+        prepare(folder)
+        path = pathlib.Path("losing.png")
+        path.write_bytes(picture)
+        check = run("check losing.png")
+        refused = run("set --category c losing.png")
+        untouched = path.read_bytes() == picture
+        forced = run("set --force --category c losing.png")
+        [shown] = json.loads(run("show --json losing.png")[1])
+        fine = names is None or (run("check losing.png")[0] == 0 and shown["category"] == "c" and forced[0] == 0 and
+                                 [tag["name"] for tag in shown["tags"]] == names)
+        report(f"losing: {name}", (check[0] != 1 or text not in check[1]) and f"check says {check}",
+               (refused[0] != 1 or text not in refused[2] or not untouched) and f"not refused: {refused}",
+               (not fine or [label["name"] for label in shown["labels"]] != labels) and f"forced: {forced}, {shown}")
+
+
+HOSTILE = 'q"u\'o:\ttab\nline\u202ertl\x1b[31m😀'
+
+
+def test_texts(folder):
+    prepare(folder)
+    run(["set", "--label", HOSTILE.replace(":", "\\:"), "--tag", f"{HOSTILE}={HOSTILE}", "plain.png"])
+    [shown] = json.loads(run("show --json plain.png")[1])
+    report("odd texts come back", shown["labels"][0]["name"] != HOSTILE, shown["tags"] != [
+        {"name": HOSTILE, "content": HOSTILE}], run(["tag", HOSTILE, "plain.png"])[1] != HOSTILE + "\n")
+    report("new texts are spelled as Java does", b"\xed\xa0\xbd\xed\xb8\x80" not in contents()["plain.png"])
+    control, terminal = pty.openpty()
+    subprocess.run([TOOL, "show", "plain.png"], stdout=terminal, env={**os.environ, "TERM": "dumb", "LC_ALL": "C"})
+    screen, escaped = os.read(control, 4096).decode(), 'q"u\'o:\\ttab\\nline\\u{202e}rtl\\u{1b}[31m😀'
+    report("a terminal gets no control characters", screen.count(escaped) != 3 and repr(screen), "\x1b" in screen)
+
+
+def test_round_trip(folder):
+    prepare(folder)
+    old = contents()
+    pack = run("show --json smile.gif heart.png star.png sun.jpg moon.JPEG nameless.jpg")[1]
+    report("a whole pack, unedited", run("set --from -", pack) != (0, "0 written, 6 unchanged\n", "") or contents() != old)
+    edited = pack.replace("a friendly face", "kind").replace('"夏"', '"冬"')
+    same = run("set --from - -n", edited)[1].count("\t+\t"), run("set --from -", edited)[1]
+    report("two pictures of a pack, edited", same != (2, "2 written, 4 unchanged\n") and same,
+           "smile 😀".encode() not in contents()["smile.gif"] and "a text that stayed is spelled anew",
+           {name for name in old if contents()[name] != old[name]} != {"smile.gif", "link.gif", "sun.jpg"} and "others changed")
+    blobs = [run(["extract", "EMJ", name, "smile.gif"])[1] for name in ("boing.mid", "motion.json")]
+    report("blobs stay", blobs[1] != pathlib.Path("blobs/motion.json").read_text(), not blobs[0].startswith("MThd"))
+    run("set --backup=.old --embed EMJX:sound=out.bin smile.gif")
+    report("the backup is the old picture, and the blob's place is taken",
+           pathlib.Path("smile.gif.old").read_bytes() == old["smile.gif"] or "a friendly face" in run("show smile.gif")[1],
+           run("extract EMJX out.bin smile.gif")[1] != "some bytes", run("extract EMJ boing.mid smile.gif")[0] != 1)
+
+
+def make_thousand(folder):
+    shutil.rmtree(folder)
+    folder.mkdir()
+    for i in range(1000):
+        sample = ROOT / "samples" / ("wink.gif", "star.png", "sun.jpg")[i % 3]
+        shutil.copy(sample, folder / f"{i:03}{sample.suffix}")
+    os.chdir(folder)
+
+
+def test_thousand(folder):
+    make_thousand(folder)
+    for name in ("100.png", "200.jpg", "300.gif"):
+        os.truncate(name, 90)
+    status, out, err = run("set -r --category many .")
+    report("997 of 1,000", (status, out) != (1, "997 written, 3 failed\n") and (status, out),
+           [line.split(":")[0] for line in err.splitlines()] != ["./100.png", "./200.jpg", "./300.gif"] and err,
+           run("show -r .")[1].count("category\tmany\n") != 997)
+
+
+def test_interruption(folder):
+    make_thousand(folder)
+    old = contents()
+    work = subprocess.Popen([TOOL, "set", "-r", "--category", "cut", "."], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+    while pathlib.Path("010.png").stat().st_size == len(old["010.png"]) and work.poll() is None:
+        time.sleep(0.001)
+    work.send_signal(signal.SIGINT)
+    err, new = work.communicate()[1], contents()
+    changed = [name for name in new if new[name] != old.get(name)]
+    run("set -r --category cut .")
+    report("interrupted", work.returncode != 130 and work.returncode, not 10 < len(changed) < 1000 and len(changed),
+           err.decode() != f"interrupted: {len(changed)} of 1000 pictures are done\n" and err, new.keys() != old.keys(),
+           [name for name in changed if new[name] != contents()[name]])
+
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as work_folder:
+        for test in (test_commands, test_losing, test_texts, test_round_trip, test_thousand, test_interruption):
+            test(pathlib.Path(work_folder) / "pictures")
+        os.chdir(ROOT)
+    print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
+    sys.exit(1 if counts["FAIL"] else 0)

@@ -1,0 +1,196 @@
+#include "tools/changes.h"
+
+#include <algorithm>
+#include <deque>
+#include <map>
+
+#include "core/base/status.h"
+#include "core/document/document_format.h"
+#include "tools/spelling.h"
+
+namespace lumigram::tool {
+namespace {
+
+constexpr size_t kMaxBlobName = 255;  // what the size byte of a GIF sub-block can say
+
+// Spells texts as a picture spells them already, else as Java does. Two spellings of one text are
+// given out in the order in which they stand, so that a list that did not change comes out the
+// same.
+class Speller {
+ public:
+  explicit Speller(const Picture& picture) {
+    ForEachText(picture.document(), [this](const std::string&, const std::string& text) {
+      spellings_[ToUtf8(text)].push_back(text);
+    });
+    for (const Blob& blob : picture.blobs) {
+      const std::string reference = std::string(kThisPicture) + blob.name;
+      spellings_[ToUtf8(reference)].push_back(reference);
+    }
+  }
+
+  std::string operator()(const std::string& text) {
+    const auto found = spellings_.find(text);
+    if (found == spellings_.end()) return ToJava(text);
+    std::string spelling = found->second.front();
+    if (found->second.size() > 1) found->second.pop_front();
+    return spelling;
+  }
+
+ private:
+  std::map<std::string, std::deque<std::string>> spellings_;
+};
+
+// A stored text that is to become another stays the same when it says the same.
+void Assign(const std::string& text, Speller& spell, std::string* stored) {
+  const std::string spelling = spell(text);
+  if (ToUtf8(*stored) != text) *stored = spelling;
+}
+
+void ApplyLabel(const Changes::LabelChange& change, Speller& spell, Document* document) {
+  auto& labels = document->labels;
+  auto label = std::find_if(labels.begin(), labels.end(), [&change](const Label& candidate) {
+    return ToUtf8(candidate.name) == change.name;
+  });
+  if (label == labels.end()) label = labels.insert(label, {spell(change.name), "", ""});
+  if (change.note) Assign(*change.note, spell, &label->note);
+  if (change.part) Assign(*change.part, spell, &label->part);
+}
+
+// All tags of one name give place, where the first of them stood, to the changes of that name.
+void ApplyTagGroup(const std::string& name, const std::vector<Tag>& changes, Speller& spell,
+                   std::vector<Tag>* tags) {
+  const auto isNamed = [&name](const Tag& tag) { return ToUtf8(tag.name) == name; };
+  const auto first = std::find_if(tags->begin(), tags->end(), isNamed);
+  const std::string storedName = first == tags->end() ? spell(name) : first->name;
+  std::vector<Tag> group;
+  for (const Tag& change : changes) {
+    if (change.name == name && (change.blob != nullptr || !change.content.empty())) {
+      group.push_back({storedName, spell(change.content), change.blob});
+    }
+  }
+  const auto place = first - tags->begin();
+  tags->erase(std::remove_if(first, tags->end(), isNamed), tags->end());
+  tags->insert(tags->begin() + place, group.begin(), group.end());
+}
+
+// The text up to the next separator that no backslash precedes, and without such backslashes. The
+// rest stays in words; false behind the last one.
+bool TakeField(std::string_view* words, std::string* field) {
+  while (!words->empty() && words->front() != ':') {
+    if (BeginsWith(*words, "\\:") || BeginsWith(*words, "\\\\")) words->remove_prefix(1);
+    field->push_back(words->front());
+    words->remove_prefix(1);
+  }
+  if (words->empty()) return false;
+  words->remove_prefix(1);
+  return true;
+}
+
+std::string RequireText(std::string_view words) {
+  if (!IsValid(words)) throw Failure(kBadArgument, "this is not valid text");
+  return ToUtf8(words);
+}
+
+}  // namespace
+
+bool Changes::Empty() const {
+  return !allLabels && !allTags && !category && !type && labels.empty() && tags.empty();
+}
+
+Document Apply(const Changes& changes, const Document& document, const Picture& picture) {
+  Document result = document;
+  Speller spell(picture);
+  if (changes.allLabels) {
+    result.labels.clear();
+    for (const Label& label : *changes.allLabels) {
+      const std::string name = spell(label.name), note = spell(label.note);
+      result.labels.push_back({name, note, spell(label.part)});
+    }
+  }
+  if (changes.category) Assign(*changes.category, spell, &result.category);
+  if (changes.type) Assign(*changes.type, spell, &result.type);
+  if (changes.allTags) {
+    result.tags.clear();
+    for (const Tag& tag : *changes.allTags) {
+      const std::string name = spell(tag.name);
+      result.tags.push_back({name, spell(tag.content), tag.blob});
+    }
+  }
+  for (const auto& change : changes.labels) ApplyLabel(change, spell, &result);
+  for (auto tag = changes.tags.begin(); tag != changes.tags.end(); ++tag) {
+    const auto isSame = [tag](const Tag& earlier) { return earlier.name == tag->name; };
+    if (std::none_of(changes.tags.begin(), tag, isSame)) {
+      ApplyTagGroup(tag->name, changes.tags, spell, &result.tags);
+    }
+  }
+  return result;
+}
+
+Changes::LabelChange ParseLabel(std::string_view words) {
+  const std::string text = RequireText(words);
+  std::string_view rest = text;
+  Changes::LabelChange change;
+  if (TakeField(&rest, &change.name)) {
+    if (TakeField(&rest, &change.note.emplace())) {
+      if (TakeField(&rest, &change.part.emplace())) {
+        throw Failure(kBadArgument, "expected NAME[:NOTE[:PART]], with \\: for a colon");
+      }
+      change.part = PartNamed(*change.part);
+    }
+  }
+  if (change.name.empty()) throw Failure(kBadArgument, "a label needs a name");
+  return change;
+}
+
+Tag ParseTag(std::string_view words) {
+  const std::string text = RequireText(words);
+  const size_t equals = text.find('=');
+  if (equals == 0 || equals == text.npos) throw Failure(kBadArgument, "expected NAME=CONTENT");
+  return {text.substr(0, equals), text.substr(equals + 1), nullptr};
+}
+
+Tag ParseEmbed(std::string_view words) {
+  const size_t colon = words.find(':');
+  const size_t equals = words.find('=', std::min(colon, words.size()));
+  if (equals == std::string_view::npos || equals == colon + 1) {
+    throw Failure(kBadArgument, "expected LABEL:TAG=FILE");
+  }
+  const std::string tag = RequireText(words.substr(colon + 1, equals - colon - 1));
+  return EmbedFile(tag, std::string(words.substr(0, colon)), std::string(words.substr(equals + 1)));
+}
+
+Tag EmbedFile(const std::string& tagName, const std::string& label, const std::string& file) {
+  if (!BeginsWith(label, kBlobMark) || label.size() > kBlobLabelSize || !IsValid(label)) {
+    throw Failure(kBadArgument, "a blob's label begins with EMJ and has at most 11 bytes");
+  }
+  NewBlob blob;
+  blob.label = label;
+  blob.path = file.find('/') == std::string::npos ? "./" + file : file;
+  blob.name = ToJava(std::string_view(blob.path).substr(blob.path.rfind('/') + 1));
+  if (blob.path.size() > kLumigramMaxContentBytes || blob.name.size() > kMaxBlobName ||
+      !IsValid(file)) {
+    throw Failure(kTooLong, "the file's name is too long, or not valid text");
+  }
+  try {
+    const std::vector<uint8_t> bytes = ReadRegularFile(blob.path);
+    blob.bytes.assign(bytes.begin(), bytes.end());
+  } catch (const Failure& failure) {
+    throw Failure(kBadBlob, Quoted(file) + ": " + failure.what());
+  }
+  const std::string content = ToUtf8(std::string(kThisPicture) + blob.name);
+  return {tagName, content, std::make_shared<const NewBlob>(std::move(blob))};
+}
+
+std::string PartNamed(const std::string& words) {
+  if (words.empty() || words == "0") return "";
+  if (GetPartNo(words.c_str()) != 0) return words;
+  const bool isNumber = words.size() <= 2 && words.find_first_not_of("0123456789") == words.npos;
+  const std::string name = isNumber ? GetPartName(static_cast<uint32_t>(std::stoul(words))) : "";
+  if (name.empty()) {
+    throw Failure(kBadLabels, "a part of speech is a number from 1 to 21 or its stored name, not " +
+                                  Quoted(words));
+  }
+  return name;
+}
+
+}  // namespace lumigram::tool
