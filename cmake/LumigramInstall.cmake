@@ -1,0 +1,50 @@
+# What `cmake --install` puts in place, and what `cpack` packs. Everything is found from where it stands, by no absolute
+# path: a tree that was installed under one prefix works under another.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# find_package(lumigram) gives lumigram::lumigram; so does add_subdirectory().
+add_library(lumigram::lumigram ALIAS LumigramJniNative)
+set_target_properties(LumigramJniNative PROPERTIES EXPORT_NAME lumigram)
+target_include_directories(LumigramJniNative INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS LumigramJniNative EXPORT lumigram DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/lumigram.h TYPE INCLUDE)
+if(TARGET lumigram_jar)
+  install(FILES ${PROJECT_BINARY_DIR}/lumigram.jar DESTINATION ${CMAKE_INSTALL_DATADIR}/java)
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/lumigram)
+write_basic_package_version_file(lumigram-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(EXPORT lumigram NAMESPACE lumigram:: FILE lumigram-config.cmake DESTINATION ${package_dir})
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumigram-config-version.cmake DESTINATION ${package_dir})
+
+# pkg-config knows the folder of the file that it reads; from there it is as many steps up as the library's folder is deep.
+set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  file(RELATIVE_PATH steps /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  set(pc_prefix "\${pcfiledir}/${steps}")
+  string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
+endif()
+cmake_path(APPEND pc_libdir "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
+cmake_path(APPEND pc_includedir "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
+configure_file(cmake/lumigram.pc.in lumigram.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumigram.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# A Debian package. Its dependencies are what the linked files turn out to need.
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING)
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Lumigram developers")
+  set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+  set(CPACK_PACKAGE_DESCRIPTION
+"The library, its C header and its Java classes. They read and write the labels,
+category, type, tag groups and named blobs of GIF, PNG and JPEG files.")
+  if(TARGET lumigram)
+    string(APPEND CPACK_PACKAGE_DESCRIPTION "\nThe command line tool \"lumigram\" does the same at a shell.")
+  endif()
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SUGGESTS default-jre-headless)
+  set(CPACK_STRIP_FILES ON)
+  include(CPack)
+endif()

@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# What is installed and packed, and the C example built against it in both ways. Usage: tests/install_test.sh BUILD_FOLDER
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build=$(realpath "$1") work=$(mktemp -d) failures=0
+trap 'rm -rf "$work"' EXIT
+
+# same NAME WANTED GOT: two lists of lines
+same() {
+  if [ "$2" = "$3" ]; then echo "PASS $1"; return; fi
+  echo "FAIL $1 (< wanted, > got)" && failures=$((failures + 1))
+  diff <(echo "$2") <(echo "$3")
+}
+
+# The tree has to work where it was moved to.
+DESTDIR=$work/stage cmake --install "$build" --prefix /opt/lumigram
+mv "$work/stage/opt/lumigram" "${tree:=$work/a tree}"
+lib=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:[A-Z]*=//p' "$build/CMakeCache.txt")
+files=$(printf '%s\n' include/lumigram.h share/java/lumigram.jar "$lib"/{libLumigramJniNative.so,pkgconfig/lumigram.pc} \
+  "$lib"/cmake/lumigram/lumigram-config{,-version,-release}.cmake $([ ! -x "$build/lumigram" ] ||
+    echo bin/lumigram share/bash-completion/completions/lumigram share/man/man1/lumigram.1) | sort)
+same "what is installed" "$files" "$(cd "$tree" && find . -type f | cut -c 3- | sort)"
+
+
+export PKG_CONFIG_PATH=$tree/$lib/pkgconfig LD_LIBRARY_PATH=$tree/$lib
+eval "flags=($(pkg-config --cflags --libs lumigram))"  # its spaces are quoted for a shell
+cc -Wall -Wextra -Werror -std=c11 "$root/examples/c/tag_picture.c" -o "$work/by-pkg-config" "${flags[@]}"
+cmake -S "$root/examples/c" -B "$work/c" -DCMAKE_PREFIX_PATH="$tree" && cmake --build "$work/c" &&
+  mv "$work/c/tag_picture" "$work/by-find-package"
+for program in "$work"/by-*; do
+  cp "$root"/samples/{heart,cut}.png "$work"
+  "$program" "$work/heart.png" seal 'a "<" note' >"$work/before"
+  same "reads and writes: ${program##*/}" $'ハート (愛情)\nlove ❤ ()\nseal (a "<" note)\n55 bytes more' \
+    "$("$program" "$work/heart.png"; echo $(($(stat -c %s "$work/heart.png") - $(stat -c %s "$root/samples/heart.png"))) bytes more)"
+  same "says why not: ${program##*/}" "$work/cut.png: damaged or truncated picture (-30) 1" \
+    "$("$program" "$work/cut.png" 2>&1) $?"
+done
+
+# Where Java has words for a status, they are the header's.
+words=$(cc -x c -I "$tree/include" -o "$work/words" - <<<'#include <lumigram.h>
+  int main(void) { for (int i = -128; i <= 0; ++i) printf("%d %s\n", i, LumigramStatusText(i)); }' && "$work/words")
+java=$(tr '\n' ' ' <"$root/java/src/main/java/lumigram/jni/LumigramStatus.java" |
+  grep -oE 'case [-0-9]+: +return "[^"]*"' | sed -E 's/case (.*): +return "(.*)"/\1 \2/')
+same "the words of LumigramStatus" "0 ok" "$(grep -vxFe "$words" <<<"$java"; grep '^0 ' <<<"$java")"
+
+cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb)
+same "the package" "lumigram_$(pkg-config --modversion lumigram)_$(dpkg --print-architecture).deb needs libc6" \
+  "${deb##*/} needs $(dpkg-deb -f "$deb" Depends | grep -ow libc6)"
+dpkg-deb -x "$deb" "$work/root"
+same "what is packed" "$files" "$(cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
+[ $failures -eq 0 ]
