@@ -1,7 +1,6 @@
 // A picture's file is the old one or the complete new one, whatever happens.
 #include "core/file/replace_file.h"
 
-#include <errno.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -10,8 +9,6 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <filesystem>
-
 #include "tests/support/bytes.h"
 #include "tests/support/fail_calls.h"
 
@@ -19,6 +16,7 @@ namespace lumigram::test {
 namespace {
 
 constexpr uid_t kOther = 65534;  // a user and a group that own nothing
+const std::string k255Bytes = std::string(251, 'n') + ".GIF";
 const Bytes kOld(3000, 'o'), kShorter(1000, 's'), kLonger(5000, 'l');
 
 constexpr char kNote[] = "user.note", kList[] = "system.posix_acl_access";
@@ -27,9 +25,8 @@ const Bytes kAccessList = {2, 0,  0,   0,   1,   0,   6,  0, 255, 255, 255, 255,
                            0, 33, 1,   0,   0,   4,   0,  4, 0,   255, 255, 255, 255, 16, 0,
                            6, 0,  255, 255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
 
-// Where the file system has none, nothing is set, and nothing is compared.
 void SetAttribute(const std::string& path, const char* name, const Bytes& value) {
-  (void)setxattr(path.c_str(), name, value.data(), value.size(), 0);
+  (void)setxattr(path.c_str(), name, value.data(), value.size(), 0);  // some systems have none
 }
 
 std::string Attribute(const std::string& path, const char* name) {
@@ -40,15 +37,21 @@ std::string Attribute(const std::string& path, const char* name) {
 
 struct stat StatusOf(const std::string& path) {
   struct stat status = {};
-  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  (void)stat(path.c_str(), &status);
   return status;
+}
+
+std::string AccessTo(const std::string& path) {
+  const struct stat s = StatusOf(path);
+  return testing::PrintToString(std::tuple(s.st_uid, s.st_gid, s.st_mode)) +
+         Attribute(path, kNote) + Attribute(path, kList);
 }
 
 // A folder that others may enter, with a picture that has all that another file could fail to have,
 // prepared further by a shell command.
 class Scene {
  public:
-  explicit Scene(std::string command = ":") {
+  explicit Scene(const std::string& command = ":") {
     chmod(Path("").c_str(), 0755);
     const std::string picture = folder_.Write("p.png", kOld);
     chmod(picture.c_str(), 01640);
@@ -74,23 +77,22 @@ int Replace(const Scene& scene, const char* name, const Bytes& bytes) {
 enum Way { kRenamed, kInPlace, kNot };
 
 TEST(ReplaceFile, KindsOfFilesAndFolders) {
-  const std::string longName = std::string(251, 'n') + ".GIF";
-  struct Case {
+  const struct Case {
     std::string command;
     Way way;
     std::string path = "p.png", target = "p.png";  // written to; holding the new picture
     bool asOther = false;
     rlim_t sizeLimit = RLIM_INFINITY;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {":", kRenamed},
       {"ln -s p.png l.gif", kRenamed, "l.gif"},
       {"mkdir d; ln -s ../p.png d/l; ln -s $PWD/d/l l.gif", kRenamed, "l.gif"},
       {"ln -s new l.gif", kRenamed, "l.gif", "new"},
       {"ln -s l.gif l.gif", kNot, "l.gif"},
       {"ln p.png h.png", kInPlace, "h.png"},
-      {"mv p.png " + longName, kRenamed, longName, longName},
+      {"mv p.png " + k255Bytes, kRenamed, k255Bytes, k255Bytes},
       {":", kRenamed, "new.png", "new.png"},
+      {"chown 0 p.png || test $(id -u) != 0", kRenamed},  // only the group differs
       {"mv p.png p.txt", kNot, "p.txt", "p.txt"},
       {"mkdir d.png", kNot, "d.png"},
       {"cp p.png q.png", kRenamed, "q.png", "q.png"},  // where new files inherit an access list
@@ -108,9 +110,8 @@ TEST(ReplaceFile, KindsOfFilesAndFolders) {
     const Scene scene(c.command);
     if (c.path == "q.png") SetAttribute(scene.Path(""), "system.posix_acl_default", kAccessList);
     const std::string target = scene.Path(c.target);
-    const bool isNew = !std::filesystem::exists(target);
-    const struct stat before = StatusOf(isNew ? scene.Path("") : target);
-    const std::string note = Attribute(target, kNote), list = Attribute(target, kList);
+    const ino_t before = StatusOf(target).st_ino;  // 0: no file
+    const std::string access = AccessTo(target);
     const int status = InChild([&] {
       const rlimit size = {c.sizeLimit, c.sizeLimit};
       signal(SIGXFSZ, SIG_IGN);
@@ -123,70 +124,51 @@ TEST(ReplaceFile, KindsOfFilesAndFolders) {
     EXPECT_EQ(status, c.way == kNot);
     EXPECT_FALSE(scene.HasTemporary());
     EXPECT_EQ(ReadWhole(target), c.way == kNot ? kOld : kLonger);
-    const struct stat after = StatusOf(target);
-    EXPECT_EQ(after.st_ino != before.st_ino, c.way == kRenamed);
-    EXPECT_EQ(after.st_uid, before.st_uid);
-    EXPECT_EQ(after.st_gid, before.st_gid);
-    EXPECT_EQ(after.st_mode, isNew ? S_IFREG | 0640 : before.st_mode);
-    EXPECT_EQ(Attribute(target, kNote), note);
-    EXPECT_EQ(Attribute(target, kList), list);
+    EXPECT_EQ(StatusOf(target).st_ino != before, c.way == kRenamed);
+    EXPECT_TRUE(before == 0 ? StatusOf(target).st_mode == (S_IFREG | 0640)
+                            : AccessTo(target) == access);
   }
 }
 
-constexpr char kCalls[] =
-    "malloc open64 pread64 pwrite64 fsync ftruncate64 fchown fchmod fsetxattr close rename";
-constexpr char kChanges[] =
-    "open64 pwrite64 fsync ftruncate64 fchown fchmod fsetxattr close rename";
+// A failing close() of a picture that was written in place comes too late to put it back.
+constexpr char kInPlaceCalls[] = "malloc open64 pread64 pwrite64 fsync ftruncate64";
+constexpr char kCalls[] = "malloc open64 pwrite64 fsync fchown fchmod fsetxattr close rename";
 
-struct Write {
+const struct Write {
   const char* command;
   const Bytes& bytes;
-  Way way;
-};
-const Write kWrites[] = {{":", kLonger, kRenamed},
-                         {"ln p.png h.png", kLonger, kInPlace},
-                         {"ln p.png h.png", kShorter, kInPlace},
-                         {"rm p.png", kLonger, kRenamed}};
+  const char* calls;
+} kWrites[] = {{":", kLonger, kCalls},
+               {"ln p.png h.png", kLonger, kInPlaceCalls},
+               {"ln p.png h.png", kShorter, kInPlaceCalls},
+               {"rm p.png", kLonger, kCalls}};
 
 // Each call fails in turn. What an interrupted call, or one that takes half, leaves undone is done.
+// A process that is killed may leave either picture, and a temporary file.
 TEST(ReplaceFile, EachCallFailing) {
   constexpr char kRepeated[] = "open64 pread64 pwrite64 fsync ftruncate64 close";
   for (const Write& write : kWrites) {
-    for (const int error : {EIO, ENOSPC, EACCES, EINTR, kHalf}) {
-      const bool isMinor = error == EINTR || error == kHalf;
-      bool happened = true;
-      for (int nth = 0; happened; ++nth) {
+    for (const int error : {EIO, ENOSPC, EACCES, EINTR, kHalf, kKill}) {
+      if (error == kKill && &write != kWrites) continue;  // only what is renamed withstands it
+      const bool isRepeated = error == EINTR || error == kHalf;
+      for (int nth = 0, result = 2; result != 0; ++nth) {
         SCOPED_TRACE(testing::Message()
-                     << write.command << ", call " << nth << ", error " << error);
+                     << write.command << ", error " << error << ", call " << nth);
         const Scene scene(write.command);
         const Bytes before = ReadWhole(scene.Path());
-        int status;
-        {
-          FailCalls fail(isMinor ? kRepeated : kCalls, nth, error);
-          status = Replace(scene, "p.png", write.bytes);
-          happened = fail.Happened();
-        }
-        EXPECT_TRUE(status == 0 || (happened && !isMinor));
-        EXPECT_FALSE(scene.HasTemporary());
+        result = InChild([&] {
+          FailCalls fail(isRepeated ? kRepeated : write.calls, nth, error);
+          const int status = Replace(scene, "p.png", write.bytes);
+          return status + (fail.Happened() ? 2 : 0);
+        });
         const Bytes after = ReadWhole(scene.Path());
-        const bool isNew = status == 0 || (write.way == kInPlace && after != before);
-        EXPECT_EQ(after, isNew ? write.bytes : before);
-        EXPECT_EQ(access(scene.Path().c_str(), F_OK) == 0, !after.empty());
+        EXPECT_TRUE(result == 0 || result == (isRepeated ? 2 : 3) || &write == kWrites);
+        EXPECT_TRUE(after == (result == 3 ? before : write.bytes) ||
+                    (result == -SIGKILL && after == before));
+        EXPECT_TRUE(result < 0 || !scene.HasTemporary());
+        EXPECT_EQ(StatusOf(scene.Path()).st_ino != 0, !after.empty());
       }
     }
-  }
-}
-
-TEST(ReplaceFile, KilledAtEachCall) {
-  int status = -SIGKILL;
-  for (int nth = 0; status == -SIGKILL; ++nth) {
-    const Scene scene;
-    status = InChild([&] {
-      FailCalls killed(kChanges, nth, kKill);
-      return Replace(scene, "p.png", kLonger);
-    });
-    const Bytes after = ReadWhole(scene.Path());
-    EXPECT_TRUE(after == kLonger || (status == -SIGKILL && after == kOld)) << "call " << nth;
   }
 }
 
@@ -194,27 +176,26 @@ TEST(ReplaceFile, KilledAtEachCall) {
 TEST(ReplaceFile, RefusedOrFailed) {
   const std::vector<int> refusals = {EACCES, EPERM, EROFS, EBUSY, EXDEV};
   const std::vector<int> failures = {ENOSPC, EDQUOT, EIO};
-  struct Case {
-    const char* calls;
+  const struct {
+    std::string calls;
     int nth;
     std::vector<int> errors;
     Way way;
-  };
-  const Case cases[] = {
-      {"open64", 0, refusals, kNot},       {"open64", 1, refusals, kInPlace},
-      {"open64", 1, failures, kNot},       {"open64", 1, {EMFILE}, kNot},
-      {"open64", 1, {EEXIST}, kRenamed},   {"rename", 0, refusals, kInPlace},
-      {"rename", 0, failures, kNot},       {"fchmod", 0, {EPERM, EINVAL}, kInPlace},
-      {"fchmod", 0, failures, kNot},       {"fsync", 0, {EINVAL, ENOSYS}, kRenamed},
-      {"fsync", 0, {EPERM}, kNot},         {"fsetxattr", 0, failures, kRenamed},
-      {"fsetxattr", 1, {EPERM}, kInPlace}, {"fsetxattr", 1, failures, kNot}};
-  for (const Case& c : cases) {
+  } cases[] = {{"open64", 0, refusals, kNot},       {"open64", 1, refusals, kInPlace},
+               {"open64", 1, failures, kNot},       {"open64", 1, {EMFILE}, kNot},
+               {"open64", 1, {EEXIST}, kRenamed},   {"rename", 0, refusals, kInPlace},
+               {"rename", 0, failures, kNot},       {"fchmod", 0, {EPERM, EINVAL}, kInPlace},
+               {"fchmod", 0, failures, kNot},       {"fsync", 0, {EINVAL, ENOSYS}, kRenamed},
+               {"fsync", 0, {EPERM}, kNot},         {"fsetxattr", 0, failures, kRenamed},
+               {"fsetxattr", 1, {EPERM}, kInPlace}, {"fsetxattr", 1, failures, kNot},
+               {"close", 0, failures, kNot},        {"malloc", 2, {ENOMEM}, kNot}};
+  for (const auto& c : cases) {
     for (const int error : c.errors) {
       SCOPED_TRACE(testing::Message() << c.calls << ", error " << error);
       const Scene scene;
-      if (c.calls == std::string("fsetxattr") && Attribute(scene.Path(), kList) == "none") continue;
+      if (c.calls == "fsetxattr" && Attribute(scene.Path(), kList) == "none") continue;
       const ino_t before = StatusOf(scene.Path()).st_ino;
-      FailCalls fail(c.calls, c.nth, error);
+      FailCalls fail(c.calls.c_str(), c.nth, error);
       EXPECT_EQ(Replace(scene, "p.png", kLonger), c.way == kNot);
       EXPECT_EQ(ReadWhole(scene.Path()), c.way == kNot ? kOld : kLonger);
       EXPECT_EQ(StatusOf(scene.Path()).st_ino != before, c.way == kRenamed);

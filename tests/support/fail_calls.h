@@ -3,16 +3,18 @@
 #ifndef LUMIGRAM_TESTS_SUPPORT_FAIL_CALLS_H_
 #define LUMIGRAM_TESTS_SUPPORT_FAIL_CALLS_H_
 
+#include <errno.h>
+
 #include <functional>
 
 namespace lumigram::test {
 
 // Besides the errors of errno.h:
 inline constexpr int kHalf = -1;  // a write takes half of the bytes; other calls pass
-inline constexpr int kKill = -2;  // the process is killed instead, by a write in its midst
+inline constexpr int kKill = -2;  // the process is killed instead
 
-// While in scope: of the calls whose names are in the list, counted together from 0, the nth fails
-// with the error, or all from the nth on. One at a time.
+// While in scope, of the calls named (open64 also by fopen64), counted together from 0, the nth
+// fails with the error, or all from the nth on. One at a time.
 class FailCalls {
  public:
   enum Times { kOnce, kFromThenOn };

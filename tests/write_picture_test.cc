@@ -1,0 +1,101 @@
+// Whole writes: what refuses them, and that a refused picture stays as it is.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "core/base/text.h"
+#include "lumigram.h"
+#include "tests/support/gif_builder.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/png_builder.h"
+
+namespace lumigram::test {
+namespace {
+
+// Writes the record, with blobs, to a picture in a file of at least that size: what lies behind the
+// picture's end is not carried over. A picture that is refused stays as it is.
+int32_t Write(AttrInfo& attr, FileType type, Bytes picture, size_t size = 0,
+              const std::vector<std::string>& uris = {}, const char* name = "p.png") {
+  const TempFolder folder;
+  picture.resize(std::max(size, picture.size()));
+  const std::string path = folder.Write(name, picture);
+  for (size_t i = 0; i < std::size(attr.appExt); ++i) {
+    const std::string uri = i < uris.size() ? uris[i] : "";
+    CopyText(attr.appExt[i].labelName, "EMJ");
+    CopyText(attr.appExt[i].binaryDataUri, uri);
+    CopyText(attr.appExt[i].fileName, uri.substr(uri.rfind('/') + 1));
+  }
+  const ScopedFile stream(fopen(path.c_str(), "rb"));
+  fseek(stream.get(), 9, SEEK_SET);
+  const int32_t status = SetXmlStringToFile(stream.get(), path.c_str(), &attr, type);
+  const Bytes after = ReadWhole(path);
+  EXPECT_TRUE(status != 0 ? after == picture : after != picture && after[12] == picture[12]);
+  return status;
+}
+
+TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
+  constexpr size_t kLimit = 2097152, kEstimate = kLimit + 10258;
+  const TempFolder folder;
+  const std::string kept = "file://THIS/b", unknown = "file://THIS/x", missing = "/missing";
+  const std::string blob = folder.Write("blob", Bytes(300)), tiny = folder.Write("t", {1});
+  const std::string empty = folder.Write("empty", {}), half = folder.Write("half", {});
+  std::filesystem::resize_file(half, 2139095023);  // two of them are estimated at 2^32 bytes
+  const Bytes jpeg = kJpegStart + JpegFrame() + kJpegScan + kJpegEnd;
+  const Bytes gif = GifScreen() + GifBlob("EMJ", "b", Bytes(300)) + GifImage() + kGifEnd;
+  const Bytes png = PngStart() + PngBlob("EMJ00000000", "b", Bytes(300)) + kPngImage + kPngEnd;
+  AttrInfo attr = {};
+  EXPECT_EQ(Write(attr, kFileTypeJpeg, jpeg, kEstimate, {missing}), 0);
+  EXPECT_EQ(Write(attr, kFileTypeJpeg, jpeg, kEstimate + 1), -99);
+  for (const FileType type : {kFileTypeGif, kFileTypePng}) {
+    const Bytes& picture = type == kFileTypeGif ? gif : png;
+    const size_t old =
+        type == kFileTypeGif ? 14 + 2 + 300 + 3 : 31 + 1 + 300;  // what the blob takes
+    const std::pair<std::vector<std::string>, size_t> cases[] = {
+        {{}, kEstimate + old},
+        {{kept}, kEstimate},
+        {{kept, unknown}, kEstimate},
+        {{kept, kept}, kEstimate - old},
+        {{blob}, kEstimate + old - (300 + 17 + 1 + 4)}};
+    for (const auto& [uris, size] : cases) {
+      EXPECT_EQ(Write(attr, type, picture, size, uris), 0) << type << size;
+      EXPECT_EQ(Write(attr, type, picture, size + 1, uris), -99) << type << size;
+    }
+    for (const std::string& uri : {half, empty, missing})
+      EXPECT_EQ(Write(attr, type, picture, 0, {uri, uri}), -99) << type << uri;
+  }
+  // The smallest blobs take more than is estimated, and so does a document of 10,234 bytes.
+  for (int i = 0; i < 10; ++i) {
+    CopyText(attr.tag[i].tagName, "n");
+    CopyText(attr.tag[i].tagElement, std::string(i < 9 ? 1000 : 999, 'x'));
+  }
+  std::vector<std::string> tinies(100, tiny);
+  tinies[50] = kept;
+  EXPECT_EQ(Write(attr, kFileTypeGif, gif, 0, tinies), 0);
+  EXPECT_EQ(Write(attr, kFileTypePng, png, 0, tinies), 0);
+
+  const auto filled = [](size_t n) {
+    return PngStart() + PngChunk("abCd", Bytes(n)) + kPngImage + kPngEnd;
+  };
+  const size_t room = kLimit - filled(0).size() - (18 + 15);  // besides the smallest document
+  // Sub-blocks behind an unknown label, in which a query sees a block that ends short.
+  const Bytes odd = GifScreen() + Bytes{0x21, 9, 4, 0x21, 0xFF, 250, 1, 0} + GifImage() + kGifEnd;
+  attr = {};
+  EXPECT_EQ(Write(attr, kFileTypePng, filled(room)), 0);
+  EXPECT_EQ(Write(attr, kFileTypePng, filled(room + 1), 0, {}, "p.txt"), -42);
+  EXPECT_EQ(Write(attr, kFileTypePng, filled(0), 0, {}, "p.txt"), -99);
+  EXPECT_EQ(Write(attr, kFileTypeGif, filled(0), 0, {}, "p.txt"), -30);
+  EXPECT_EQ(Write(attr, kFileTypeGif, odd, 0, {kept}), 0);
+  EXPECT_EQ(Write(attr, kFileTypePng, {}), -99);
+  // More blobs than the file can hold, and no picture either.
+  const Bytes lying = Bytes(33) + PngChunkClaiming(1 << 20, "emJe", Text("EMJ")) + kPngEnd;
+  EXPECT_EQ(Write(attr, kFileTypePng, lying), -99);
+  EXPECT_EQ(Write(attr, 4, filled(0)), -99);
+  CopyText(attr.name[9], std::string(25, 'x'));
+  EXPECT_EQ(Write(attr, 4, filled(0)), -42);
+  EXPECT_EQ(SetXmlStringToFile(nullptr, "p.png", &attr, 4), -10);
+  EXPECT_EQ(SetXmlStringToFile(stdin, nullptr, &attr, 4), -10);
+  EXPECT_EQ(SetXmlStringToFile(stdin, "p.png", nullptr, 4), -10);
+}
+
+}  // namespace
+}  // namespace lumigram::test
