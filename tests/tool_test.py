@@ -85,8 +85,8 @@ FROM = "set --from -"
 COMMANDS = [
     ("show wink.gif", 0, "wink.gif\tpicture\tGIF\t64x64\t1354 bytes\nwink.gif\tlabel\twink\t😉\t名詞-サ変接続\n"),
     ("show smile.gif link.gif", 0, "\tpop\n", "\tblob\tEMJMOTION\tmotion.json\t620 bytes\n"),
-    ("show cut.png wide.gif plain.png", 1, "plain.png\tpicture", "!cut.png: damaged or truncated picture (-30)\n",
-     "!wide.gif: picture over 960 pixels (-31)\n"),
+    ("show cut.png wide.png plain.png", 1, "plain.png\tpicture", "!cut.png: damaged or truncated picture (-30)\n",
+     "!wide.png: picture over 960 pixels (-31)\n"),
     ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: No such file or directory (-20)\n",
      "!README.md: unsupported file type (-21)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
      "!.: a folder; -r takes the pictures in it (-20)\n"),
