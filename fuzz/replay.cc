@@ -1,7 +1,11 @@
-// Runs one target over named files, without a fuzzing engine: to debug a finding, and to run every
-// kept input again. Prints how many ran; a broken property ends the program.
+// Runs one target over files and folders of files, without a fuzzing engine: to debug a finding,
+// and to run every kept input again. Prints how many inputs ran; a broken property ends the
+// program. Usage: TARGET_replay [--prefixes] FILE...; with --prefixes also over every beginning of
+// each file.
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <vector>
 
 #include "tests/support/bytes.h"
 
@@ -9,7 +13,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
 
-// Of a folder all files, sorted by nobody: their order means nothing.
+bool prefixes = false;
+
+// The input ends at the end of its own block, so that a read behind it is seen.
+void RunOne(const uint8_t* data, size_t size) {
+  const std::vector<uint8_t> input(data, data + size);
+  LLVMFuzzerTestOneInput(input.data(), input.size());
+}
+
 int Run(const std::filesystem::path& path) {
   int count = 0;
   if (std::filesystem::is_directory(path)) {
@@ -17,15 +28,22 @@ int Run(const std::filesystem::path& path) {
     return count;
   }
   const lumigram::test::Bytes bytes = lumigram::test::ReadWhole(path.string());
-  LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
-  return 1;
+  size_t size = prefixes ? 0 : bytes.size();
+  for (; size <= bytes.size(); ++size, ++count) RunOne(bytes.data(), size);
+  return count;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   int count = 0;
-  for (int i = 1; i < argc; ++i) count += Run(argv[i]);
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--prefixes") == 0) {
+      prefixes = true;
+    } else {
+      count += Run(argv[i]);
+    }
+  }
   std::printf("%d inputs\n", count);
   return count > 0 ? 0 : 1;
 }

@@ -58,7 +58,7 @@ bool IsPlain(const Byte* p) {
 void Convert(const Byte* p, Byte* out) {
   while (*p != '\0') {
     if (size_t size = PlainSize(p); size != 0) {
-      while (size-- > 0) *out++ = *p++;
+      for (; size > 0; --size) *out++ = *p++;
     } else if (const uint32_t code = SupplementaryAt(p); code != 0) {
       out = PutPair(code, out);
       p += 4;

@@ -42,7 +42,8 @@ bool SkipWhole(ByteSource& source, uint32_t n) {
 Status ReadComment(ByteSource& source, Found* found) {
   uint16_t length;
   if (!source.ReadBe16(&length)) return kMalformed;
-  // Of a length that does not even count itself, this wraps around to a size over the limit.
+  // A length that does not even count itself is refused like one over the limit.
+  if (length < kSegmentLengthSize) return kTooLong;
   const uint32_t size = length - kSegmentLengthSize;
   if (size > kLumigramMaxDocumentBytes) return kTooLong;
   uint8_t text[kLumigramMaxDocumentBytes];

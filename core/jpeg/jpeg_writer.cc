@@ -54,8 +54,8 @@ Status CopyComment(Copy& copy, Marker marker) {
   ByteSource& source = copy.source;
   uint16_t length;
   if (!source.ReadBe16(&length)) return kMalformed;
-  // Wraps around for a length that does not count itself; the copying refuses it.
-  const uint32_t size = length - kSegmentLengthSize;
+  // The copying refuses a length that does not count itself.
+  const uint32_t size = length < kSegmentLengthSize ? 0 : length - kSegmentLengthSize;
   uint32_t taken = kSegmentLengthSize;
   bool isDocument = false;
   if (size >= kRootSize && size < source.Remaining()) {

@@ -36,6 +36,11 @@ Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
   return source.Back(source.Position() - start) ? kOk : kBadStream;
 }
 
+// Only a chunk that runs past the end of the file can take the sum over 32 bits, and it is the last.
+uint32_t AddChunk(uint32_t size, const ChunkHeader& chunk) {
+  return static_cast<uint32_t>(uint64_t{size} + kChunkHeaderSize + chunk.length + kChunkCrcSize);
+}
+
 Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
   for (;;) {
     ChunkHeader chunk;
@@ -44,7 +49,7 @@ Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
     if (chunk.type == kBlobChunk) {
       bool counted;
       if (Status s = IsCounted(source, fileName, &counted); s != kOk) return s;
-      if (counted) *size += kChunkHeaderSize + chunk.length + kChunkCrcSize;
+      if (counted) *size = AddChunk(*size, chunk);
       if (counted && fileName != nullptr) return kOk;
     }
     if (!SkipChunkData(source, chunk)) return kBadStream;

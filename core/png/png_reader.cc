@@ -25,7 +25,7 @@ Status ReadDocument(ByteSource& source, uint32_t textSize, char* xmlBuf, bool* t
 Status ReadTextChunk(ByteSource& source, const ChunkHeader& chunk, char* xmlBuf, bool* taken) {
   uint8_t keyword[kDocumentKeyword.size()];
   if (!source.Read(keyword)) return kMalformed;
-  // Of a chunk that is shorter than the keyword, this wraps around to more than any file has.
+  if (chunk.length < kDocumentKeyword.size()) return kBadStream;
   const uint32_t textSize = chunk.length - static_cast<uint32_t>(kDocumentKeyword.size());
   if (textSize > source.Remaining()) return kBadStream;
   if (BeginsWith(keyword, kDocumentKeyword)) return ReadDocument(source, textSize, xmlBuf, taken);
