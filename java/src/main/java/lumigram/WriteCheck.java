@@ -1,0 +1,222 @@
+package lumigram;
+
+import java.io.File;
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Set;
+
+/**
+ * Refuses metadata that a picture cannot hold, or that would not be read back as it was written.
+ * The native side would cut some of it, drop some, and call the rest by one status.
+ */
+final class WriteCheck {
+  private static final int MAX_LABELS = 10;
+  private static final int MAX_TAGS = 100;
+  private static final int MAX_GROUPS = 10;
+  private static final int MAX_GROUP_SIZE = 10;
+  private static final int MAX_CHARACTERS = 24;
+  private static final int MAX_BYTES = 256;
+  private static final int MAX_CONTENT_BYTES = 1024;
+  private static final int MAX_BLOB_NAME_BYTES = 255;
+  private static final int MAX_BLOB_LABEL_BYTES = 11;
+  private static final int NO_LIMIT = Integer.MAX_VALUE;
+
+  private static final String BLOB_MARK = "EMJ";
+
+  /** What readers search for. The last comes without its quote, which the markup could supply. */
+  private static final String[] MARKUP = {
+    "<emoji>", "</emoji>", "<label>", "</label>", "<name>", "</name>", "<note>", "</note>",
+    "<part>", "</part>", "<category>", "</category>", "<type>", "</type>", "</tags>", "<tags name="
+  };
+
+  private final File file;
+  private final Kind kind;
+  private final PictureInfo info;
+
+  private WriteCheck(File file, Kind kind, PictureInfo info) {
+    this.file = file;
+    this.kind = kind;
+    this.info = info;
+  }
+
+  /** Throws an exception that names the field, unless all is well. */
+  static void check(File file, Kind kind, PictureInfo info) throws PictureException {
+    WriteCheck check = new WriteCheck(file, kind, info);
+    check.checkLabels();
+    check.checkText("the category", info.category(), MAX_BYTES, NO_LIMIT);
+    check.checkText("the type", info.type(), MAX_BYTES, NO_LIMIT);
+    check.checkTags();
+    check.checkGroups();
+    check.checkWhatLookupsTell();
+    check.checkBlobs();
+    check.checkLength("the document", check.documentBytes(), kind.documentBytes, "bytes");
+  }
+
+  private void checkLabels() throws PictureException {
+    checkLength("the metadata", info.labels().size(), MAX_LABELS, "labels");
+    for (int i = 0; i < info.labels().size(); i++) {
+      Label label = info.labels().get(i);
+      String field = "label " + (i + 1);
+      checkName(field, label.name());
+      checkText(field + ": the note", label.note(), MAX_BYTES, MAX_CHARACTERS);
+    }
+  }
+
+  private void checkTags() throws PictureException {
+    checkLength("the metadata", info.tags().size(), MAX_TAGS, "tags");
+    for (int i = 0; i < info.tags().size(); i++) {
+      Tag tag = info.tags().get(i);
+      String field = "tag " + (i + 1);
+      checkName(field, tag.name());
+      if (tag.name().contains("\">")) throw notStorable(field + ": the name holds \">");
+      checkText(field + ": the content", tag.content(), MAX_CONTENT_BYTES, NO_LIMIT);
+    }
+  }
+
+  private void checkName(String field, String name) throws PictureException {
+    if (name.isEmpty()) throw notStorable(field + ": the name is empty");
+    checkText(field + ": the name", name, MAX_BYTES, MAX_CHARACTERS);
+  }
+
+  private void checkText(String field, String text, int maxBytes, int maxCharacters)
+      throws PictureException {
+    for (String tag : MARKUP) {
+      if (text.contains(tag)) throw notStorable(field + " holds the markup " + tag);
+    }
+    if (text.indexOf('\0') >= 0) throw notStorable(field + " holds U+0000");
+    if (text.indexOf('\uFFFD') >= 0) {
+      throw notStorable(field + " holds U+FFFD, which stands for bytes that could not be read");
+    }
+    if (ModifiedUtf8.hasLoneSurrogate(text)) {
+      throw notStorable(field + " holds half a surrogate pair");
+    }
+    checkLength(field, ModifiedUtf8.characters(text), maxCharacters, "characters");
+    checkLength(field, ModifiedUtf8.bytes(text), maxBytes, "bytes");
+  }
+
+  private void checkLength(String field, int length, int limit, String unit)
+      throws PictureException {
+    if (length <= limit) return;
+    throw new PictureException(
+        file, Status.OVER_LIMIT,
+        field + " has " + length + " " + unit + ", " + (length - limit) + " over the limit of "
+            + limit);
+  }
+
+  /** Groups as readers form them: a name that begins an earlier group's name belongs to that. */
+  private void checkGroups() throws PictureException {
+    List<String> names = new ArrayList<>();
+    List<Integer> sizes = new ArrayList<>();
+    for (Tag tag : info.tags()) {
+      int group = 0;
+      while (group < names.size() && !names.get(group).startsWith(tag.name())) {
+        group++;
+      }
+      if (group == names.size()) {
+        names.add(tag.name());
+        sizes.add(0);
+      }
+      sizes.set(group, sizes.get(group) + 1);
+    }
+    checkLength("the metadata", names.size(), MAX_GROUPS, "groups of tags");
+    for (int i = 0; i < names.size(); i++) {
+      checkLength("the group \"" + names.get(i) + "\"", sizes.get(i), MAX_GROUP_SIZE, "tags");
+    }
+  }
+
+  /** With an empty content first, contents are read by lookups, which end at an empty one. */
+  private void checkWhatLookupsTell() throws PictureException {
+    if (info.tags().isEmpty() || !info.tags().get(0).content().isEmpty()) return;
+    Set<String> ended = new HashSet<>();
+    for (Tag tag : info.tags()) {
+      boolean empty = tag.content().isEmpty();
+      if (ended.contains(tag.name()) || empty && ModifiedUtf8.mayBeSpelledOtherwise(tag.name())) {
+        throw notStorable(
+            "the group \"" + tag.name() + "\" could not be read back, because the first tag and one"
+                + " of this group have no content");
+      }
+      if (empty) ended.add(tag.name());
+    }
+  }
+
+  private void checkBlobs() throws PictureException {
+    for (int i = 0; i < info.tags().size(); i++) {
+      Tag tag = info.tags().get(i);
+      if (tag.blobName() == null) continue;
+      String field = "tag " + (i + 1) + ": the blob \"" + tag.blobName() + "\"";
+      if (tag.keepsBlob()) {
+        checkKeptBlob(field, tag.blobName());
+      } else {
+        checkNewBlob(field, tag);
+        checkNameOfNewBlob(field, i);
+      }
+    }
+  }
+
+  /** A reference to nothing is none of our making; but one that was read may stay what it is. */
+  private void checkKeptBlob(String field, String name) throws PictureException {
+    if (info.origin() != null && info.origin().names(name)) return;
+    if (Picture.at(file).blob(BLOB_MARK, name) == null) {
+      throw unusable(field + " is not in the picture");
+    }
+  }
+
+  private void checkNewBlob(String field, Tag tag) throws PictureException {
+    File source = tag.blobFile();
+    if (kind == Kind.JPEG) throw unusable(field + " has no place in a JPEG");
+    checkText(field, tag.blobName(), MAX_BLOB_NAME_BYTES, NO_LIMIT);
+    checkText(field + ": its label", tag.blobLabel(), MAX_BLOB_LABEL_BYTES, NO_LIMIT);
+    int pathBytes = ModifiedUtf8.bytes(source.getAbsolutePath());
+    checkLength(field + ": its path", pathBytes, MAX_CONTENT_BYTES, "bytes");
+    if (!tag.blobLabel().startsWith(BLOB_MARK)) {
+      // It would pass for another program's, stay for ever, and be added again at every write.
+      throw unusable(field + " has a label that does not begin with " + BLOB_MARK);
+    }
+    if (!source.isFile()) throw unusable(field + ": there is no file " + source);
+    if (source.length() == 0) throw unusable(field + ": its file is empty");
+  }
+
+  /** Blobs are found by the beginnings of their names, so none may be the beginning of another. */
+  private void checkNameOfNewBlob(String field, int index) throws PictureException {
+    String name = info.tags().get(index).blobName();
+    for (int i = 0; i < info.tags().size(); i++) {
+      String other = info.tags().get(i).blobName();
+      if (i == index || other == null) continue;
+      if (name.startsWith(other) || other.startsWith(name)) {
+        throw new PictureException(
+            file, Status.DUPLICATE_BLOB,
+            field + " cannot be told by its name from that of tag " + (i + 1));
+      }
+    }
+  }
+
+  private int documentBytes() {
+    int bytes = "<emoji></emoji>".length();
+    for (Label label : info.labels()) {
+      bytes += "<label></label>".length()
+          + elementBytes("<name></name>", label.name())
+          + elementBytes("<note></note>", label.note())
+          + elementBytes("<part></part>", label.part().storedName());
+    }
+    bytes += elementBytes("<category></category>", info.category())
+        + elementBytes("<type></type>", info.type());
+    for (Tag tag : info.tags()) {
+      bytes += elementBytes("<tags name=\"\"></tags>", tag.name()) + ModifiedUtf8.bytes(tag.content());
+    }
+    return bytes;
+  }
+
+  /** An element without text is not written. */
+  private static int elementBytes(String markup, String text) {
+    return text.isEmpty() ? 0 : markup.length() + ModifiedUtf8.bytes(text);
+  }
+
+  private PictureException notStorable(String sentence) {
+    return new PictureException(file, Status.NOT_STORABLE, sentence);
+  }
+
+  private PictureException unusable(String sentence) {
+    return new PictureException(file, Status.UNUSABLE_BLOB, sentence);
+  }
+}
