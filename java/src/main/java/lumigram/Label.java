@@ -21,29 +21,17 @@ public final class Label {
     this.part = Objects.requireNonNull(part, "part");
   }
 
-  /**
-   * The label's name.
-   *
-   * @return the name
-   */
+  /** {@return the label's name} */
   public String name() {
     return name;
   }
 
-  /**
-   * The label's note.
-   *
-   * @return the note; empty for none
-   */
+  /** {@return the label's note; empty for none} */
   public String note() {
     return note;
   }
 
-  /**
-   * The label's part of speech.
-   *
-   * @return the part of speech
-   */
+  /** {@return the label's part of speech} */
   public PartOfSpeech part() {
     return part;
   }

@@ -59,9 +59,7 @@ public enum PartOfSpeech {
   }
 
   /**
-   * The name by which pictures store this part of speech.
-   *
-   * @return the name; empty for {@link #NONE}, which is not stored
+   * {@return the name by which pictures store this; empty for {@link #NONE}, which is not stored}
    */
   public String storedName() {
     return storedName;

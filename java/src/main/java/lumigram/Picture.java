@@ -100,19 +100,14 @@ public final class Picture {
     }
   }
 
-  /**
-   * The picture's file.
-   *
-   * @return the file as the caller named it
-   */
+  /** {@return the picture's file, as the caller named it} */
   public File file() {
     return file;
   }
 
   /**
-   * The metadata, as it was when the picture was read.
+   * {@return the metadata, as it was when the picture was read}
    *
-   * @return the metadata
    * @throws IllegalStateException when the picture was not read
    */
   public PictureInfo info() {
@@ -121,9 +116,8 @@ public final class Picture {
   }
 
   /**
-   * The width.
+   * {@return the width in pixels; of a GIF the largest among screen and images}
    *
-   * @return pixels; of a GIF the largest among screen and images
    * @throws IllegalStateException when the picture was not read
    */
   public int width() {
@@ -132,9 +126,8 @@ public final class Picture {
   }
 
   /**
-   * The height.
+   * {@return the height in pixels; of a GIF the largest among screen and images}
    *
-   * @return pixels; of a GIF the largest among screen and images
    * @throws IllegalStateException when the picture was not read
    */
   public int height() {
@@ -143,9 +136,8 @@ public final class Picture {
   }
 
   /**
-   * The size of the file.
+   * {@return the size of the file in bytes}
    *
-   * @return bytes
    * @throws IllegalStateException when the picture was not read
    */
   public int fileSize() {
@@ -154,10 +146,9 @@ public final class Picture {
   }
 
   /**
-   * Whether this is a pop picture: a GIF with the mark of one, whose creator comments, if any, are
-   * valid.
+   * {@return whether this is a pop picture: a GIF with the mark of one, whose creator comments, if
+   * any, are valid}
    *
-   * @return true for a pop picture
    * @throws IllegalStateException when the picture was not read
    */
   public boolean isPop() {
@@ -195,7 +186,7 @@ public final class Picture {
    * of an eleventh group.
    *
    * @param name the tags' name, at most 255 bytes
-   * @return an unmodifiable list of up to ten contents, in stored order: those before the first that
+   * @return an unmodifiable list of up to ten contents, in stored order, which ends before one that
    *     is empty or over 1,024 bytes; empty when there are none
    * @throws PictureException when the file cannot be read
    */

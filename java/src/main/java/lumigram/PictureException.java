@@ -44,29 +44,19 @@ public class PictureException extends IOException {
     this.sentence = sentence;
   }
 
-  /**
-   * The picture's file.
-   *
-   * @return the file as the caller named it
-   */
+  /** {@return the picture's file, as the caller named it} */
   public File file() {
     return file;
   }
 
-  /**
-   * The kind of failure.
-   *
-   * @return the status, never {@link Status#OK}
-   */
+  /** {@return the kind of failure, never {@link Status#OK}} */
   public Status status() {
     return status;
   }
 
   /**
-   * What went wrong: that of the status, or one that names the field and says by how much it is
-   * over its limit.
-   *
-   * @return a sentence, without a full stop
+   * {@return what went wrong, without a full stop: the sentence of the status, or one that names
+   * the field and says by how much it is over its limit}
    */
   public String sentence() {
     return sentence;

@@ -21,8 +21,9 @@ import java.util.Objects;
  *   <caption>Limits</caption>
  *   <tr><td>labels</td><td>10; name and note 24 characters and 256 bytes each</td></tr>
  *   <tr><td>category, type</td><td>256 bytes each</td></tr>
- *   <tr><td>tags</td><td>100, in 10 groups of 10; a name that is the beginning of an earlier group's
- *       name counts toward that group; name 24 characters and 256 bytes, content 1,024 bytes</td></tr>
+ *   <tr><td>tags</td><td>100, in 10 groups of 10 (a name that is the beginning of an earlier
+ *       group's name counts toward that); name 24 characters and 256 bytes, content 1,024
+ *       bytes</td></tr>
  *   <tr><td>everything together, with its markup</td><td>10,239 bytes; in a PNG 10,234</td></tr>
  * </table>
  *
@@ -91,38 +92,22 @@ public final class PictureInfo {
     return EMPTY;
   }
 
-  /**
-   * The labels.
-   *
-   * @return an unmodifiable list, in stored order
-   */
+  /** {@return the labels: an unmodifiable list, in stored order} */
   public List<Label> labels() {
     return labels;
   }
 
-  /**
-   * The category.
-   *
-   * @return the category; empty for none
-   */
+  /** {@return the category; empty for none} */
   public String category() {
     return category;
   }
 
-  /**
-   * The type.
-   *
-   * @return the type; empty for none
-   */
+  /** {@return the type; empty for none} */
   public String type() {
     return type;
   }
 
-  /**
-   * The tags, with those that refer to blobs.
-   *
-   * @return an unmodifiable list, in stored order
-   */
+  /** {@return the tags, with those that refer to blobs: an unmodifiable list, in stored order} */
   public List<Tag> tags() {
     return tags;
   }
@@ -261,6 +246,6 @@ public final class PictureInfo {
   /** The metadata for people to read. */
   @Override
   public String toString() {
-    return "labels " + labels + ", category \"" + category + "\", type \"" + type + "\", tags " + tags;
+    return "labels " + labels + ", category " + category + ", type " + type + ", tags " + tags;
   }
 }

@@ -20,28 +20,19 @@ public final class ReadResult {
     this.failure = failure;
   }
 
-  /**
-   * The file.
-   *
-   * @return the file as the caller named it
-   */
+  /** {@return the file, as the caller named it} */
   public File file() {
     return file;
   }
 
-  /**
-   * How reading it went.
-   *
-   * @return {@link Status#OK} when there is a picture
-   */
+  /** {@return {@link Status#OK} when there is a picture, else why there is none} */
   public Status status() {
     return failure == null ? Status.OK : failure.status();
   }
 
   /**
-   * The picture that was read.
+   * {@return the picture that was read}
    *
-   * @return the picture
    * @throws PictureException when the file could not be read
    */
   public Picture picture() throws PictureException {
@@ -49,11 +40,7 @@ public final class ReadResult {
     return picture;
   }
 
-  /**
-   * The reason why there is no picture.
-   *
-   * @return the reason, or null when there is a picture
-   */
+  /** {@return the reason why there is no picture, or null when there is one} */
   public PictureException failure() {
     return failure;
   }

@@ -45,20 +45,12 @@ public enum Status {
     this.sentence = sentence;
   }
 
-  /**
-   * The code of this status.
-   *
-   * @return 0, a negative code of the library, or a positive one of this package
-   */
+  /** {@return 0, a negative code of the library, or a positive one of this package} */
   public int code() {
     return code;
   }
 
-  /**
-   * What this status means.
-   *
-   * @return a sentence, without a full stop
-   */
+  /** {@return what this status means: a sentence, without a full stop} */
   public String sentence() {
     return sentence;
   }

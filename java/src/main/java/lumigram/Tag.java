@@ -24,8 +24,9 @@ public final class Tag {
   }
 
   /**
-   * A tag with a text; or, when the text begins with {@value #THIS_PICTURE}, one that keeps the blob
-   * of that name, which the picture carries already. A blob that no tag keeps is gone after a write.
+   * A tag with a text; or, when the text begins with {@value #THIS_PICTURE}, one that keeps the
+   * blob of that name, which the picture carries already. A blob that no tag keeps is gone after a
+   * write.
    *
    * @param name not empty, at most 24 characters and 256 bytes (see {@link PictureInfo})
    * @param content at most 1,024 bytes
@@ -48,28 +49,19 @@ public final class Tag {
     return new Tag(name, THIS_PICTURE + blobFile.getName(), blobLabel, blobFile);
   }
 
-  /**
-   * The tag's name.
-   *
-   * @return the name
-   */
+  /** {@return the tag's name} */
   public String name() {
     return name;
   }
 
-  /**
-   * The tag's content.
-   *
-   * @return the text, or {@value #THIS_PICTURE} and the name of a blob
-   */
+  /** {@return the tag's content: a text, or {@value #THIS_PICTURE} and the name of a blob} */
   public String content() {
     return content;
   }
 
   /**
-   * The name of the blob that the tag refers to: what follows the last {@code /}.
-   *
-   * @return the name, or null when the content is a text
+   * {@return the name of the blob that the tag refers to, which is what follows the last {@code /};
+   * null when the content is a text}
    */
   public String blobName() {
     return content.startsWith(THIS_PICTURE)

@@ -202,7 +202,8 @@ final class WriteCheck {
     bytes += elementBytes("<category></category>", info.category())
         + elementBytes("<type></type>", info.type());
     for (Tag tag : info.tags()) {
-      bytes += elementBytes("<tags name=\"\"></tags>", tag.name()) + ModifiedUtf8.bytes(tag.content());
+      bytes += elementBytes("<tags name=\"\"></tags>", tag.name())
+          + ModifiedUtf8.bytes(tag.content());
     }
     return bytes;
   }
