@@ -22,7 +22,12 @@ final class Attributes {
       PartOfSpeech part = PartOfSpeech.ofNumber(attr.mPart[i]);
       labels.add(new Label(attr.mName[i], attr.mNote[i], part));
     }
-    return PictureInfo.read(file, labels, attr.mCategory, attr.mType, tagsOf(file, attr));
+    return PictureInfo.empty()
+        .withLabels(labels)
+        .withCategory(attr.mCategory == null ? "" : attr.mCategory)
+        .withType(attr.mType == null ? "" : attr.mType)
+        .withTags(tagsOf(file, attr))
+        .readFrom(file);
   }
 
   /**

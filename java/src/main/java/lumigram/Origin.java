@@ -17,45 +17,33 @@ import java.util.regex.Pattern;
  * is refused that would do no harm, which is the better mistake.
  */
 final class Origin {
-  private static final Pattern LABEL = element("<label>");
-  private static final Pattern PART = element("<part>");
-  private static final Pattern TAG = element("<tags name=\"");
-  private static final Pattern CATEGORY = element("<category>");
-  private static final Pattern TYPE = element("<type>");
+  private static final Pattern LABEL = element("label");
+  private static final Pattern PART = element("part");
+  private static final Pattern TAG = element("tags");
+  private static final Pattern CATEGORY = element("category");
+  private static final Pattern TYPE = element("type");
 
-  /** Label, name size in one byte, and name, wherever the block's own size says the name begins. */
+  /** A label of the size that stands before it, then name size in one byte, and name. */
   private static final Pattern GIF_BLOB = Pattern.compile("!\u00FF(.)(?=EMJ)", Pattern.DOTALL);
 
-  /** Label, name size in four bytes, and name. */
+  /** A label, name size in four bytes, and name. */
   private static final Pattern PNG_BLOB = Pattern.compile("emJe(.{11})", Pattern.DOTALL);
 
   private final File file;
-  private final int labels;
-  private final int parts;
-  private final int categories;
-  private final int types;
-  private final int tags;
-  private final List<String> blobNames = new ArrayList<>();
+  private final PictureInfo told;
 
-  Origin(File file, List<Label> labels, boolean hasCategory, boolean hasType, List<Tag> tags) {
-    int parts = 0;
-    for (Label label : labels) {
-      if (label.part() != PartOfSpeech.NONE) parts++;
-    }
+  /** What reading the file told. */
+  Origin(File file, PictureInfo told) {
     this.file = file;
-    this.labels = labels.size();
-    this.parts = parts;
-    categories = hasCategory ? 1 : 0;
-    types = hasType ? 1 : 0;
-    this.tags = tags.size();
-    for (Tag tag : tags) {
-      if (tag.keepsBlob()) blobNames.add(tag.blobName());
-    }
+    this.told = told;
   }
 
-  /** Whether one of the tags that were read referred to a blob of this name. */
+  /** Whether one of the tags that were read refers to a blob of this name. */
   boolean names(String blobName) {
-    return blobNames.contains(blobName);
+    for (Tag tag : told.tags()) {
+      if (blobName.equals(tag.blobName())) return true;
+    }
+    return false;
   }
 
   /** Makes sure that the picture is the one that was read, and carries no more than was read. */
@@ -84,17 +72,29 @@ final class Origin {
 
   private List<String> unread(String raw, Kind kind) {
     List<String> unread = new ArrayList<>();
-    addMore(unread, "labels", count(LABEL, raw) - labels);
-    addMore(unread, "parts of speech", count(PART, raw) - parts);
-    addMore(unread, "categories", count(CATEGORY, raw) - categories);
-    addMore(unread, "types", count(TYPE, raw) - types);
-    addMore(unread, "tags", count(TAG, raw) - tags);
+    String document = ModifiedUtf8.encode(told.document());
+    addMore(unread, "labels", LABEL, raw, document);
+    addMore(unread, "parts of speech", PART, raw, document);
+    addMore(unread, "categories", CATEGORY, raw, document);
+    addMore(unread, "types", TYPE, raw, document);
+    addMore(unread, "tags", TAG, raw, document);
     if (kind != Kind.JPEG) addBlobs(unread, raw, kind);
     return unread;
   }
 
-  private static void addMore(List<String> unread, String what, int more) {
-    if (more > 0) unread.add(what + ": " + more);
+  /** What lacks its start or its end is one more, too. */
+  private static void addMore(
+      List<String> unread, String what, Pattern pattern, String raw, String document) {
+    int more = count(pattern, raw) - count(pattern, document);
+    if (more > 0) unread.add(what + ": " + (more + 1) / 2);
+  }
+
+  private static int count(Pattern pattern, String text) {
+    int count = 0;
+    for (Matcher matcher = pattern.matcher(text); matcher.find(); ) {
+      count++;
+    }
+    return count;
   }
 
   private void addBlobs(List<String> unread, String raw, Kind kind) {
@@ -113,8 +113,8 @@ final class Origin {
 
   /** A blob is kept by every tag that names it, or the beginning of its name. */
   private boolean isKept(String name) {
-    for (String kept : blobNames) {
-      if (name.startsWith(ModifiedUtf8.encode(kept))) return true;
+    for (Tag tag : told.tags()) {
+      if (tag.keepsBlob() && name.startsWith(ModifiedUtf8.encode(tag.blobName()))) return true;
     }
     return false;
   }
@@ -127,21 +127,16 @@ final class Origin {
     return number;
   }
 
-  private static int count(Pattern pattern, String raw) {
-    int count = 0;
-    for (Matcher matcher = pattern.matcher(raw); matcher.find(); ) {
-      count++;
+  /**
+   * What finds an element's start and its end. A GIF cuts its texts into blocks, so between any two
+   * bytes may stand the size of the next block.
+   */
+  private static Pattern element(String name) {
+    StringBuilder pattern = new StringBuilder("<.{0,2}");
+    for (char c : name.toCharArray()) {
+      pattern.append(c).append(".?");
     }
-    return count;
-  }
-
-  /** A GIF cuts its texts into blocks, so between any two bytes may stand the size of the next. */
-  private static Pattern element(String start) {
-    StringBuilder pattern = new StringBuilder();
-    for (int i = 0; i < start.length(); i++) {
-      pattern.append(i == 0 ? "" : ".?").append(start.charAt(i));
-    }
-    return Pattern.compile(pattern.toString(), Pattern.DOTALL);
+    return Pattern.compile(pattern.append("[ >]").toString(), Pattern.DOTALL);
   }
 
   /** The file's bytes, as characters up to U+00FF. */

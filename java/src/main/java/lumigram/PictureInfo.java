@@ -72,15 +72,9 @@ public final class PictureInfo {
     this.origin = origin;
   }
 
-  /** What was read from a file, for which null stands where a category or type is missing. */
-  static PictureInfo read(
-      File file, List<Label> labels, String category, String type, List<Tag> tags) {
-    return new PictureInfo(
-        Collections.unmodifiableList(labels),
-        category == null ? "" : category,
-        type == null ? "" : type,
-        Collections.unmodifiableList(tags),
-        new Origin(file, labels, category != null, type != null, tags));
+  /** The same metadata, as what reading a file has told. */
+  PictureInfo readFrom(File file) {
+    return new PictureInfo(labels, category, type, tags, new Origin(file, this));
   }
 
   /**
@@ -227,6 +221,31 @@ public final class PictureInfo {
   /** Where this metadata was read; null for what was made from nothing. */
   Origin origin() {
     return origin;
+  }
+
+  /** The document that pictures store. An element without text is left out. */
+  String document() {
+    StringBuilder document = new StringBuilder("<emoji>");
+    for (Label label : labels) {
+      document.append("<label>");
+      append(document, "name", label.name());
+      append(document, "note", label.note());
+      append(document, "part", label.part().storedName());
+      document.append("</label>");
+    }
+    append(document, "category", category);
+    append(document, "type", type);
+    for (Tag tag : tags) {
+      document.append("<tags name=\"").append(tag.name()).append("\">");
+      document.append(tag.content()).append("</tags>");
+    }
+    return document.append("</emoji>").toString();
+  }
+
+  private static void append(StringBuilder document, String element, String text) {
+    if (text.isEmpty()) return;
+    document.append('<').append(element).append('>').append(text);
+    document.append("</").append(element).append('>');
   }
 
   private PictureInfo withTag(Tag tag) {

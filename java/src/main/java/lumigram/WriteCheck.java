@@ -50,7 +50,8 @@ final class WriteCheck {
     check.checkGroups();
     check.checkWhatLookupsTell();
     check.checkBlobs();
-    check.checkLength("the document", check.documentBytes(), kind.documentBytes, "bytes");
+    int bytes = ModifiedUtf8.bytes(info.document());
+    check.checkLength("the document", bytes, kind.documentBytes, "bytes");
   }
 
   private void checkLabels() throws PictureException {
@@ -189,28 +190,6 @@ final class WriteCheck {
             field + " cannot be told by its name from that of tag " + (i + 1));
       }
     }
-  }
-
-  private int documentBytes() {
-    int bytes = "<emoji></emoji>".length();
-    for (Label label : info.labels()) {
-      bytes += "<label></label>".length()
-          + elementBytes("<name></name>", label.name())
-          + elementBytes("<note></note>", label.note())
-          + elementBytes("<part></part>", label.part().storedName());
-    }
-    bytes += elementBytes("<category></category>", info.category())
-        + elementBytes("<type></type>", info.type());
-    for (Tag tag : info.tags()) {
-      bytes += elementBytes("<tags name=\"\"></tags>", tag.name())
-          + ModifiedUtf8.bytes(tag.content());
-    }
-    return bytes;
-  }
-
-  /** An element without text is not written. */
-  private static int elementBytes(String markup, String text) {
-    return text.isEmpty() ? 0 : markup.length() + ModifiedUtf8.bytes(text);
   }
 
   private PictureException notStorable(String sentence) {
