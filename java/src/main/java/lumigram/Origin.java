@@ -48,24 +48,24 @@ final class Origin {
 
   /** Makes sure that the picture is the one that was read, and carries no more than was read. */
   void check(File target, Kind kind) throws PictureException {
+    boolean same;
     String raw;
     try {
-      if (!target.getCanonicalFile().equals(file.getCanonicalFile())) {
-        throw new PictureException(
-            target, Status.UNREAD, "The metadata was read from another file, " + file
-                + ", and not made for this one by asNew()");
-      }
+      same = target.getCanonicalFile().equals(file.getCanonicalFile());
       raw = contents(target);
-    } catch (PictureException failure) {
-      throw failure;
     } catch (IOException failure) {
       throw new PictureException(target, Status.CANNOT_OPEN);
+    }
+    if (!same) {
+      throw new PictureException(
+          target, Status.UNREAD,
+          "The metadata was read from another file, " + file + ", and asNew() not called");
     }
     List<String> unread = unread(raw, kind);
     if (!unread.isEmpty()) {
       throw new PictureException(
           target, Status.UNREAD,
-          Status.UNREAD.sentence() + " and writing would keep: " + String.valueOf(unread)
+          Status.UNREAD.sentence() + " and writing would keep: " + unread
               + "; metadata from PictureInfo.empty() or asNew() is written all the same");
     }
   }

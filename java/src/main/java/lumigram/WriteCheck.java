@@ -92,7 +92,9 @@ final class WriteCheck {
     if (ModifiedUtf8.hasLoneSurrogate(text)) {
       throw notStorable(field + " holds half a surrogate pair");
     }
-    checkLength(field, ModifiedUtf8.characters(text), maxCharacters, "characters");
+    boolean hasPairs = text.codePointCount(0, text.length()) < text.length();
+    String characters = hasPairs ? "characters (an emoji may count as two)" : "characters";
+    checkLength(field, ModifiedUtf8.characters(text), maxCharacters, characters);
     checkLength(field, ModifiedUtf8.bytes(text), maxBytes, "bytes");
   }
 

@@ -1,0 +1,187 @@
+package lumigram;
+
+import static java.nio.charset.StandardCharsets.ISO_8859_1;
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.awt.image.BufferedImage;
+import java.io.File;
+import java.nio.file.Files;
+import java.util.ArrayList;
+import java.util.Collections;
+import java.util.List;
+import javax.imageio.ImageIO;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
+import org.junit.jupiter.params.provider.ValueSource;
+
+class PictureTest {
+  @TempDir static File folder;
+
+  static final PictureInfo NEW = PictureInfo.empty();
+  static final PictureInfo RICH =
+      NEW.withLabel("smile 😀", "\"tab\t\", line\n", PartOfSpeech.SYMBOL).withLabel("שלום")
+          .withCategory("a < b & c").withType("笑顔").withTag("empty", "").withTag("color", "red")
+          .withTag("second", "x").withTag("color", "");
+
+  static File picture(String kind) throws Exception {
+    File file = File.createTempFile("picture", "." + kind, folder);
+    ImageIO.write(new BufferedImage(7, 5, BufferedImage.TYPE_INT_RGB), kind, file);
+    return file;
+  }
+
+  static File blob() throws Exception {
+    return Files.write(new File(folder, "data.bin").toPath(), new byte[700]).toFile();
+  }
+
+  static void edit(File file, String old, String replacement) throws Exception {
+    String bytes = Files.readString(file.toPath(), ISO_8859_1);
+    Files.writeString(file.toPath(), bytes.replace(old, replacement), ISO_8859_1);
+  }
+
+  static Picture written(File file, PictureInfo info) throws Exception {
+    Picture.at(file).write(info);
+    assertEquals(info.toString(), Picture.read(file).info().toString());
+    return Picture.read(file);
+  }
+
+  static void refuses(File file, PictureInfo info, Status why, String text) throws Exception {
+    byte[] before = Files.readAllBytes(file.toPath());
+    PictureException e = assertThrows(PictureException.class, () -> Picture.at(file).write(info));
+    assertTrue(e.sentence().contains(text), () -> text + " is not in: " + e.sentence());
+    assertEquals(why, e.status(), e.getMessage());
+    assertArrayEquals(before, Files.readAllBytes(file.toPath()));
+  }
+
+  @ParameterizedTest
+  @ValueSource(strings = {"gif", "png", "jpg"})
+  void whatIsWrittenIsReadAndWrittenBack(String kind) throws Exception {
+    File file = picture(kind);
+    PictureInfo info = kind.equals("jpg") ? RICH : RICH.withBlob("motion", "EMJMOTION", blob());
+    Picture picture = written(file, info);
+    byte[] written = Files.readAllBytes(file.toPath());
+    String facts = picture.width() + " x " + picture.height() + " " + picture.tag("color");
+    assertEquals("7 x 5 [red]", facts);
+    picture.write(picture.info());
+    assertArrayEquals(written, Files.readAllBytes(file.toPath()));
+
+    picture = written(file, picture.info().withoutTags("empty").withLabels(List.of()));
+    byte[] bytes = picture.blob("EMJMOTION", "data.bin");
+    assertArrayEquals(kind.equals("jpg") ? null : new byte[700], bytes);
+    picture.write(picture.info().withoutTags("motion"));
+    assertArrayEquals(null, picture.blob("EMJ", ""));
+  }
+
+  /** Everything as large as it may be, but for the document. */
+  static PictureInfo most() {
+    Label label = new Label("あ".repeat(24) + "\t".repeat(184), "😀".repeat(12), PartOfSpeech.NONE);
+    PictureInfo info = NEW.withLabels(Collections.nCopies(10, label)).withType("é".repeat(128));
+    for (int i = 0; i < 100; i++) {
+      info = info.withTag(i < 10 ? "あ".repeat(24) : "g " + i / 10, "c".repeat(i < 1 ? 1024 : 1));
+    }
+    return info;
+  }
+
+  /** What takes a document of exactly this many bytes. */
+  static PictureInfo document(int bytes) {
+    PictureInfo info = NEW;
+    for (int left = bytes - 15; left > 0; left -= 1046) {
+      info = info.withTag("t", "c".repeat(Math.min(left, 1046) - 22));
+    }
+    return info;
+  }
+
+  @Test
+  void theLargestIsReadBackAndMoreIsRefusedByName() throws Exception {
+    File png = picture("png");
+    File gif = picture("gif");
+    written(png, most());
+    written(png, document(10234));
+    written(gif, document(10239));
+    Status limit = Status.OVER_LIMIT;
+    Status text = Status.NOT_STORABLE;
+    Status noBlob = Status.UNUSABLE_BLOB;
+    PictureInfo less = most().withoutTags("g 9");
+    Tag keep = new Tag("u", "file://THIS/data");
+    PictureInfo two = NEW.withTags(List.of(Tag.ofBlob("t", "EMJ", blob()), keep));
+    refuses(png, most().withLabel("x"), limit, "11 labels, 1 over the limit of 10");
+    refuses(png, less.withTag("g", ""), limit, "\" has 11 tags, 1 over the limit of 10");
+    refuses(png, less.withTag("u", "").withTag("v", ""), limit, "11 groups of tags, 1 over");
+    refuses(png, NEW.withLabel("n".repeat(25)), limit, "label 1: the name has 25 characters, 1 o");
+    refuses(png, NEW.withTag("😀".repeat(13), "x"), limit, "26 characters (an emoji may count as");
+    refuses(png, NEW.withCategory("あ".repeat(86)), limit, "the category has 258 bytes, 2 over");
+    refuses(png, NEW.withTag("n", "c".repeat(1025)), limit, "tag 1: the content has 1025 bytes");
+    refuses(png, document(10235), limit, "document has 10235 bytes, 1 over the limit of 10234");
+    refuses(gif, document(10240), limit, "document has 10240 bytes, 1 over the limit of 10239");
+    refuses(png, NEW.withLabel(""), text, "label 1: the name is empty");
+    refuses(png, NEW.withLabel("a</name>b"), text, "label 1: the name holds the markup </name>");
+    refuses(png, NEW.withTag("a\">", "x"), text, "tag 1: the name holds \">");
+    refuses(png, NEW.withType("a\0"), text, "the type holds U+0000");
+    refuses(png, NEW.withType("😀\uD83D"), text, "half a surrogate pair");
+    refuses(png, RICH.withTag("color", "x"), text, "the group \"color\" could not be read back");
+    refuses(png, NEW.withBlob("t", "EMJ456789012", blob()), limit, "its label has 12 bytes, 1 o");
+    refuses(png, NEW.withBlob("t", "XMJ", blob()), noBlob, "does not begin with EMJ");
+    refuses(png, NEW.withBlob("t", "EMJ", folder), noBlob, "there is no file");
+    refuses(png, NEW.withTags(List.of(keep)), noBlob, "is not in the picture");
+    refuses(png, two, Status.DUPLICATE_BLOB, "cannot be told by its name from that of tag 2");
+    refuses(picture("jpg"), two, noBlob, "has no place in a JPEG");
+  }
+
+  @ParameterizedTest
+  @CsvSource(delimiter = ';', quoteCharacter = '~', value = {
+    "11; <label><name>n</name></label>; [n, n, n, n, n, n, n, n, n, n][]; [labels: 1]",
+    "1; <label></label><type>t</type><type></type>; []t[]; [labels: 1, types: 1]",
+    "1; <label><name>n</name><part>x</part></label>; [n][]; [parts of speech: 1]",
+    "2; <category>c</category>; []c[]; [categories: 1]",
+    "11; <tags name='a'>x</tags>; [][a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x]; [tags: 1]",
+    "1; <tags name='a'>x</tags><tags name='1234567890123456789012345'></tags>; [][]; [tags: 2]",
+    "1; <tags name=''>x</tags><tags name='b'>y</tags>; [][]; [tags: 2]",
+    "1; <tags name='a'></tags><tags name='b'>y</tags><tags name='a'>x</tags>;[][a=, b=y];[tags: 1]"
+  })
+  void unreadIsNotLost(int times, String body, String told, String unread) throws Exception {
+    File file = picture("jpg");
+    String document = "<emoji>" + body.replace('\'', '"').repeat(times) + "</emoji>";
+    String size = "" + (char) (document.length() + 2 >> 8) + (char) (document.length() + 2 & 255);
+    edit(file, "\u00FF\u00D8", "\u00FF\u00D8\u00FF\u00FE" + size + document);
+    PictureInfo info = Picture.read(file).info();
+    assertEquals(told, info.labels() + info.category() + info.type() + info.tags());
+    refuses(file, info.withLabels(List.of()), Status.UNREAD, unread);
+    refuses(picture("jpg"), info, Status.UNREAD, "from another file, " + file);
+    written(file, info.asNew());
+  }
+
+  @ParameterizedTest
+  @ValueSource(strings = {"gif", "png"})
+  void whatNoTagNamesAndWhatIsNoTextIsNotLost(String kind) throws Exception {
+    File file = picture(kind);
+    written(file, NEW.withType("type").withBlob("t", "EMJ", blob()));
+    edit(file, "file://THIS/data", "file://ELSE/data");
+    refuses(file, Picture.read(file).info(), Status.UNREAD, "[blob \"data.bin\"]");
+    edit(file, ">type<", ">typ\u00E9<");
+    refuses(file, Picture.read(file).info(), Status.NOT_STORABLE, "the type holds U+FFFD");
+  }
+
+  @Test
+  void aBatchTellsOfEveryFile() throws Exception {
+    File good = picture("gif");
+    written(good, RICH);
+    File cut = Files.write(new File(folder, "cut.gif").toPath(), new byte[20]).toFile();
+    List<File> files = new ArrayList<>(Collections.nCopies(300, good));
+    files.addAll(List.of(cut, new File("missing.gif"), new File("photo.bmp")));
+    List<ReadResult> results = Picture.readAll(files);
+    assertEquals(RICH.toString(), results.get(299).picture().info().toString());
+    String[] codes = {"cut short (DAMAGED, -30)", "(CANNOT_OPEN, -20)", "(UNSUPPORTED_TYPE, -21)"};
+    for (int i = 0; i < codes.length; i++) {
+      PictureException e = assertThrows(PictureException.class, results.get(300 + i)::picture);
+      assertTrue(e.getMessage().matches("\\Q" + e.file() + "\\E: The .*\\Q" + codes[i] + "\\E"));
+      assertEquals(files.get(300 + i), e.file());
+      assertThrows(PictureException.class, () -> Picture.at(e.file()).blob("", ""));
+      assertThrows(PictureException.class, () -> Picture.at(e.file()).write(NEW));
+    }
+    assertEquals(List.of(), Picture.read(picture("jpg")).tag("color"));
+  }
+}
