@@ -68,7 +68,7 @@ bool CountChunk(ByteSource& source, const ChunkHeader& chunk, KeptNames* names, 
     sizes->all += size;
     uint8_t name[kLumigramMaxTextBytes];
     if (!source.Read(std::span(fields).subspan(mark.size()))) return false;
-    const size_t left = std::min<uint64_t>(source.Remaining(), sizeof(name));
+    const size_t left = static_cast<size_t>(std::min<uint64_t>(source.Remaining(), sizeof(name)));
     if (!source.Read({name, left})) return false;
     sizes->kept += size * names->TakeFound({reinterpret_cast<const char*>(name), left});
   }
