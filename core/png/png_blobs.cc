@@ -36,7 +36,8 @@ Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
   return source.Back(source.Position() - start) ? kOk : kBadStream;
 }
 
-// Only a chunk that runs past the end of the file can take the sum over 32 bits, and it is the last.
+// Only a chunk that runs past the end of the file can take the sum over 32 bits, and it is the
+// last.
 uint32_t AddChunk(uint32_t size, const ChunkHeader& chunk) {
   return static_cast<uint32_t>(uint64_t{size} + kChunkHeaderSize + chunk.length + kChunkCrcSize);
 }
