@@ -86,11 +86,6 @@ bool TakeField(std::string_view* words, std::string* field) {
   return true;
 }
 
-std::string RequireText(std::string_view words) {
-  if (!IsValid(words)) throw Failure(kBadArgument, "this is not valid text");
-  return ToUtf8(words);
-}
-
 }  // namespace
 
 bool Changes::Empty() const {
@@ -126,8 +121,13 @@ Document Apply(const Changes& changes, const Document& document, const Picture& 
   return result;
 }
 
+std::string ParseText(std::string_view words) {
+  if (!IsValid(words)) throw Failure(kBadArgument, "this is not valid text");
+  return ToUtf8(words);
+}
+
 Changes::LabelChange ParseLabel(std::string_view words) {
-  const std::string text = RequireText(words);
+  const std::string text = ParseText(words);
   std::string_view rest = text;
   Changes::LabelChange change;
   if (TakeField(&rest, &change.name)) {
@@ -143,7 +143,7 @@ Changes::LabelChange ParseLabel(std::string_view words) {
 }
 
 Tag ParseTag(std::string_view words) {
-  const std::string text = RequireText(words);
+  const std::string text = ParseText(words);
   const size_t equals = text.find('=');
   if (equals == 0 || equals == text.npos) throw Failure(kBadArgument, "expected NAME=CONTENT");
   return {text.substr(0, equals), text.substr(equals + 1), nullptr};
@@ -155,7 +155,7 @@ Tag ParseEmbed(std::string_view words) {
   if (equals == std::string_view::npos || equals == colon + 1) {
     throw Failure(kBadArgument, "expected LABEL:TAG=FILE");
   }
-  const std::string tag = RequireText(words.substr(colon + 1, equals - colon - 1));
+  const std::string tag = ParseText(words.substr(colon + 1, equals - colon - 1));
   return EmbedFile(tag, std::string(words.substr(0, colon)), std::string(words.substr(equals + 1)));
 }
 

@@ -36,6 +36,7 @@ Document Apply(const Changes& changes, const Document& document, const Picture& 
 
 // The following take a command line's words apart. They throw Failure, with a sentence.
 
+std::string ParseText(std::string_view words);
 // NAME[:NOTE[:PART]], where \: is a colon.
 Changes::LabelChange ParseLabel(std::string_view words);
 // NAME=CONTENT

@@ -265,9 +265,7 @@ class LimitTest {
 
 }  // namespace
 
-std::vector<Finding> FindUnread(const Document& document) {
-  return LimitTest(document).Run();
-}
+std::vector<Finding> FindUnread(const Document& document) { return LimitTest(document).Run(); }
 
 Reading ReadDocument(std::string_view text) {
   Reading reading;

@@ -18,9 +18,7 @@ void TakeDocument(const std::vector<char>& buffer, Reading* reading) {
   }
 }
 
-bool IsSpelledOtherwise(const std::string& stored) {
-  return ToJava(ToUtf8(stored)) != stored;
-}
+bool IsSpelledOtherwise(const std::string& stored) { return ToJava(ToUtf8(stored)) != stored; }
 
 void FindInBlobs(const Picture& picture, Reading* reading) {
   for (const Blob& blob : picture.blobs) {

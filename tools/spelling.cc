@@ -15,12 +15,8 @@ struct Character {
   size_t size;
 };
 
-bool IsHighSurrogate(char32_t code) {
-  return code >= 0xD800 && code <= 0xDBFF;
-}
-bool IsLowSurrogate(char32_t code) {
-  return code >= 0xDC00 && code <= 0xDFFF;
-}
+bool IsHighSurrogate(char32_t code) { return code >= 0xD800 && code <= 0xDBFF; }
+bool IsLowSurrogate(char32_t code) { return code >= 0xDC00 && code <= 0xDFFF; }
 
 // One sequence of one to four bytes, surrogates included, without looking at what follows it.
 Character FirstSequence(std::string_view text) {

@@ -239,9 +239,7 @@ std::vector<Target> FindTargets(const std::vector<std::string>& paths, bool recu
   return finder.Take();
 }
 
-size_t Tally::Finished() const {
-  return std::accumulate(counts, std::end(counts), size_t{0});
-}
+size_t Tally::Finished() const { return std::accumulate(counts, std::end(counts), size_t{0}); }
 
 Tally RunAll(const std::vector<Target>& targets, const std::function<Done(const Target&)>& function,
              Console* console, const char* separator) {
