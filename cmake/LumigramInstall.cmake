@@ -41,7 +41,7 @@ if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING)
 "The library, its C header and its Java classes. They read and write the labels,
 category, type, tag groups and named blobs of GIF, PNG and JPEG files.")
   if(TARGET lumigram)
-    string(APPEND CPACK_PACKAGE_DESCRIPTION "\nThe command line tool \"lumigram\" does the same at a shell.")
+    string(APPEND CPACK_PACKAGE_DESCRIPTION "\nThe command line tool, lumigram, does the same at a shell.")
   endif()
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SUGGESTS default-jre-headless)
