@@ -44,8 +44,8 @@ java=$(tr '\n' ' ' <"$root/java/src/main/java/lumigram/jni/LumigramStatus.java" 
 same "the words of LumigramStatus" "0 ok" "$(grep -vxFe "$words" <<<"$java"; grep '^0 ' <<<"$java")"
 
 cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb)
-same "the package" "lumigram_$(pkg-config --modversion lumigram)_$(dpkg --print-architecture).deb needs libc6" \
+pom_version=$(sed -n 's/^  <version>\(.*\)<.*/\1/p' "$root/java/pom.xml")
+same "the package" "lumigram_${pom_version}_$(dpkg --print-architecture).deb needs libc6" \
   "${deb##*/} needs $(dpkg-deb -f "$deb" Depends | grep -ow libc6)"
-dpkg-deb -x "$deb" "$work/root"
-same "what is packed" "$files" "$(cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
+same "what is packed" "$files" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
 [ $failures -eq 0 ]
