@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,6 +52,13 @@ WRAP(void*, nullptr, malloc, (size_t n), (n))
 WRAP(void*, nullptr, calloc, (size_t n, size_t size), (n, size))
 WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (path, how, mode))
 WRAP(FILE*, nullptr, fopen64, (const char* path, const char* how), (path, how))
+WRAP(size_t, 0, fread, (void* out, size_t size, size_t n, FILE* f), (out, size, n, f))
+WRAP(int, -1, fseek, (FILE * f, long offset, int from), (f, offset, from))
+WRAP(long, -1, ftell, (FILE * f), (f))
+WRAP(int, -1, fgetpos64, (FILE * f, fpos64_t* position), (f, position))
+WRAP(int, -1, fsetpos64, (FILE * f, const fpos64_t* position), (f, position))
+WRAP(int, -1, fcntl64, (int fd, int command), (fd, command))
+WRAP(int, -1, fstat64, (int fd, struct stat64* status), (fd, status))
 WRAP(ssize_t, -1, pread64, (int fd, void* out, size_t n, off64_t at), (fd, out, n, at))
 WRAP(ssize_t, -1, pwrite64, (int fd, const void* bytes, size_t n, off64_t at),
      (fd, bytes, plan.error == kHalf && plan.made == plan.nth + 1 ? (n + 1) / 2 : n, at))

@@ -1,0 +1,98 @@
+// Whole reads and writes: each of their calls of the C library failing, and in several threads.
+#include <errno.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+#include <thread>
+
+#include "core/base/text.h"
+#include "lumigram.h"
+#include "tests/support/fail_calls.h"
+#include "tests/support/gif_builder.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/png_builder.h"
+
+namespace lumigram::test {
+namespace {
+
+// Writes the record, or reads the category.
+int32_t Operate(const std::string& path, const AttrInfo* record, std::string* category) {
+  FILE* stream = nullptr;
+  FileType type = kFileTypeUnknown;
+  if (int32_t s = OpenFile(path.c_str(), 0, &stream, &type); s != 0) return s;
+  const ScopedFile file(stream);
+  if (record != nullptr) return SetXmlStringToFile(stream, path.c_str(), record, type);
+  char document[kLumigramDocumentBufferBytes] = {}, content[257] = {};
+  int32_t height = 0, width = 0, pop = 0;
+  if (int32_t s = GetXmlString(stream, type, document, &height, &width, &pop); s != 0) return s;
+  (void)GetElementContent(document, "<category>", "</category>", content);
+  *category = content;
+  return 0;
+}
+
+constexpr char kDocument[] = "<emoji><category>old</category></emoji>";
+const std::pair<const char*, Bytes> kPictures[] = {
+    {".gif", GifScreen() + GifBlob("EMJ", "b", {1}) + GifComment(kDocument) + GifImage() + kGifEnd},
+    {".jpg", kJpegStart + JpegFrame() + JpegComment(kDocument) + kJpegScan + kJpegEnd},
+    {".png",
+     PngStart() + PngBlob("EMJ00000000", "b", {1}) + PngDocument(kDocument) + kPngImage + kPngEnd}};
+
+TEST(WholeOperations, EachCallFailingOnceOrFromThenOn) {
+  const TempFolder folder;
+  const auto count = [](const std::string& path) {
+    return std::distance(std::filesystem::directory_iterator(path), {});
+  };
+  AttrInfo record = {};
+  CopyText(record.category, "new");
+  record.appExt[0] = {"EMJ", "b", "file://THIS/b"};
+  record.appExt[1] = {"EMJ", "new", ""};
+  CopyText(record.appExt[1].binaryDataUri, folder.Write("new", Bytes(5000)));
+  for (const auto& [extension, picture] : kPictures) {
+    const std::string path = folder.Write(extension, picture);
+    const auto files = count(folder.Path("")), open = count("/proc/self/fd");
+    for (int run = 0, left = 4; left > 0; ++run) {
+      SCOPED_TRACE(testing::Message() << extension << ", run " << run);
+      const bool writes = run % 2 == 0;
+      folder.Write(extension, picture);
+      std::string category;
+      int32_t status;
+      {
+        const auto times = run % 4 < 2 ? FailCalls::kOnce : FailCalls::kFromThenOn;
+        const FailCalls fail(kAllCalls, run / 4, EIO, times);
+        status = Operate(path, writes ? &record : nullptr, &category);
+        left = fail.Happened() ? 4 : left - 1;
+      }
+      EXPECT_TRUE((std::set<int32_t>{0, -1, -20, -30, -99}.contains(status))) << status;
+      EXPECT_TRUE(status == 0 || left == 4);
+      EXPECT_EQ(ReadWhole(path) != picture, writes && status == 0);
+      EXPECT_TRUE(status != 0 || !writes || Operate(path, nullptr, &category) == 0);
+      EXPECT_EQ(category, status != 0 ? "" : writes ? "new" : "old");
+      EXPECT_EQ(count(folder.Path("")), files);
+      EXPECT_EQ(count("/proc/self/fd"), open);
+    }
+  }
+}
+
+TEST(WholeOperations, DifferentPicturesInThreads) {
+  const TempFolder folder;
+  std::vector<std::thread> threads;
+  for (size_t t = 0; t < 6; ++t) {
+    const auto& [extension, picture] = kPictures[t % 3];
+    threads.emplace_back([path = folder.Write(std::to_string(t) + extension, picture)] {
+      for (int round = 0; round < 20; ++round) {
+        const std::string wanted = path + std::to_string(round);
+        const auto record = std::make_unique<AttrInfo>();
+        std::string category;
+        CopyText(record->category, wanted);
+        EXPECT_EQ(Operate(path, record.get(), nullptr), 0);
+        EXPECT_EQ(Operate(path, nullptr, &category), 0);
+        EXPECT_EQ(category, wanted);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+}  // namespace lumigram::test
