@@ -132,7 +132,7 @@ final class Origin {
    * bytes may stand the size of the next block.
    */
   private static Pattern element(String name) {
-    StringBuilder pattern = new StringBuilder("<.{0,2}");
+    StringBuilder pattern = new StringBuilder("<.?/?.?");
     for (char c : name.toCharArray()) {
       pattern.append(c).append(".?");
     }
