@@ -1,38 +1,16 @@
 // Taking a document apart: elements, labels, parts of speech, tag groups.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "lumigram.h"
-#include "tests/support/bytes.h"
+#include "tests/support/documents.h"
 
 namespace lumigram::test {
 namespace {
 
 // A document in a heap block of its own size, so that a sanitizer sees one byte too many.
-class Document {
- public:
-  explicit Document(std::string_view text) : block_(text.begin(), text.end()) {
-    block_.push_back('\0');
-  }
-  char* get() { return block_.data(); }
-  std::string Text() const { return block_.data(); }
-
- private:
-  std::vector<char> block_;
-};
-
-std::string Repeat(std::string_view text, size_t n) {
-  std::string all;
-  while (n-- > 0) all += text;
-  return all;
+std::vector<char> Block(const std::string& text) {
+  return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
 }
-
-std::string Tag(std::string_view name, std::string_view content) {
-  return "<tags name=\"" + std::string(name) + "\">" + std::string(content) + "</tags>";
-}
-
-std::string Label(std::string_view inside) { return "<label>" + std::string(inside) + "</label>"; }
 
 TEST(Elements, CountsCharacters) {
   EXPECT_EQ(GetStrLenUtf8(nullptr), 0u);
@@ -42,56 +20,56 @@ TEST(Elements, CountsCharacters) {
 }
 
 TEST(Elements, GetElementContent) {
-  const std::string x256(256, 'x'), x1024(1024, 'x');
-  struct Case {
-    std::string document, start, end;
+  const std::string x256(256, 'x'), over = "<a>" + x256 + "x</a>",
+                                    longTag = Tag("n", Repeat("x", 1024));
+  const std::string longerTag = Tag("n", Repeat("x", 1025)),
+                    openTag = "<tags name=\"" + x256 + "x</tags>";
+  const struct {
+    std::string document;
+    const char *start, *end;
     int32_t status;
     std::string content, left;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"<a>1</a><a>2</a>", "<a>", "</a>", 0, "1", "<a>2</a>"},
       {"x<a></a>y", "<a>", "</a>", 0, "", "xy"},
-      {"</a><a>1</a>", "<a>", "</a>", 0, "1",
-       "</a>"},  // an end tag before the start tag does not count
+      // An end tag before the start tag does not count.
+      {"</a><a>1</a>", "<a>", "</a>", 0, "1", "</a>"},
       {"</a>", "<a>", "</a>", -2, "", "</a>"},
       {"</a><a>", "<a>", "</a>", -3, "", "</a><a>"},
       {"<a>" + x256 + "</a>", "<a>", "</a>", 0, x256, ""},
-      {"<a>" + x256 + "x</a>", "<a>", "</a>", -1, "", "<a>" + x256 + "x</a>"},
-      {Tag("n", x1024), "<tags name=\"n\">", "</tags>", 0, x1024, ""},
-      {Tag("n", x1024 + "x"), "<tags name=\"n\">", "</tags>", -1, "", Tag("n", x1024 + "x")},
-      {"<tags name=\"" + x256 + "x</tags>", "<tags name=\"", "</tags>", -1,
-       "",  // 12 bytes are an ordinary start
-       "<tags name=\"" + x256 + "x</tags>"},
-      {"<aba>", "<aba>", "ba", -1, "", "<aba>"},  // the end tag inside the start tag
+      {over, "<a>", "</a>", -1, "", over},
+      {longTag, "<tags name=\"n\">", "</tags>", 0, Repeat("x", 1024), ""},
+      {longerTag, "<tags name=\"n\">", "</tags>", -1, "", longerTag},
+      // A start of 12 bytes is an ordinary one.
+      {openTag, "<tags name=\"", "</tags>", -1, "", openTag},
+      // The end tag lies inside the start tag.
+      {"<aba>", "<aba>", "ba", -1, "", "<aba>"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.document.substr(0, 40));
-    Document document(c.document);
-    EXPECT_EQ(GetElementContent(document.get(), c.start.c_str(), c.end.c_str(), nullptr),
-              c.status == -1 ? 0 : c.status);
-    EXPECT_EQ(document.Text(), c.document) << "a question changes nothing";
+    auto document = Block(c.document);
     std::vector<char> out(1025);
-    EXPECT_EQ(GetElementContent(document.get(), c.start.c_str(), c.end.c_str(), out.data()),
-              c.status);
-    EXPECT_EQ(std::string(out.data()), c.content);
-    EXPECT_EQ(document.Text(), c.left);
+    EXPECT_EQ(GetElementContent(document.data(), c.start, c.end, nullptr),
+              c.status == -1 ? 0 : c.status);
+    EXPECT_EQ(document.data(), c.document) << "a question changes nothing";
+    EXPECT_EQ(GetElementContent(document.data(), c.start, c.end, out.data()), c.status);
+    EXPECT_EQ(out.data(), c.content);
+    EXPECT_EQ(document.data(), c.left);
   }
-  char out[257];
-  Document document("<a>1</a>");
+  char out[257], document[] = "<a>1</a>";
   EXPECT_EQ(GetElementContent(nullptr, "<a>", "</a>", out), -1);
-  EXPECT_EQ(GetElementContent(document.get(), nullptr, "</a>", out), -1);
-  EXPECT_EQ(GetElementContent(document.get(), "<a>", nullptr, out), -1);
+  EXPECT_EQ(GetElementContent(document, nullptr, "</a>", out), -1);
+  EXPECT_EQ(GetElementContent(document, "<a>", nullptr, out), -1);
 }
 
 TEST(Elements, GetElementTagContent) {
-  const std::string wide24 = Repeat("語", 24), free256 = Repeat("\x80", 256), x1024(1024, 'x');
-  struct Case {
+  const std::string wide24 = Repeat("語", 24), free256(256, '\x80'), x1024(1024, 'x');
+  const struct {
     std::string document;
     int32_t status;
     std::string name, content, left;
-  };
-  const Case cases[] = {
-      {"a" + Tag("n", "c") + "b", 0, "n", "c", "ab"},
+  } cases[] = {
+      {std::string("a") + Tag("n", "c") + "b", 0, "n", "c", "ab"},
       {Tag("", ""), 0, "", "", ""},
       {Tag(wide24, x1024), 0, wide24, x1024, ""},
       {Tag(wide24 + "x", ""), -41, wide24 + "x", "", Tag(wide24 + "x", "")},
@@ -99,77 +77,66 @@ TEST(Elements, GetElementTagContent) {
       {Tag(free256 + "\x80", ""), -41, "", "", Tag(free256 + "\x80", "")},
       {Tag("n", x1024 + "x"), -41, "", "", Tag("n", x1024 + "x")},
       {"</tags>" + Tag("n", "c"), -41, "", "", "</tags>" + Tag("n", "c")},
-      {"<tags name=\"n</tags>", -41, "", "", "<tags name=\"n</tags>"},
       {"<tags name=\"n</tags>\">", -41, "", "", "<tags name=\"n</tags>\">"},
       {"</tags>", -4, "", "", "</tags>"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.document.substr(0, 40));
-    Document document(c.document);
-    std::vector<char> name(257), content(1025);
-    const int32_t state =
-        GetElementTagContent(document.get(), "<tags name=\"", "</tags>", nullptr, content.data());
-    EXPECT_EQ(state, c.status == -41 ? 0 : c.status);
-    EXPECT_EQ(GetElementTagContent(document.get(), "<tags name=\"", "</tags>", name.data(),
-                                   content.data()),
-              c.status);
-    EXPECT_EQ(std::string(name.data()), c.name);
-    EXPECT_EQ(std::string(content.data()), c.content);
-    EXPECT_EQ(document.Text(), c.left);
+    auto document = Block(c.document);
+    char name[257] = {}, content[1025] = {};
+    const auto get = [&](char* to) {
+      return GetElementTagContent(document.data(), "<tags name=\"", "</tags>", to, content);
+    };
+    EXPECT_EQ(get(nullptr), c.status == -41 ? 0 : c.status);
+    EXPECT_EQ(get(name), c.status);
+    EXPECT_EQ(name, c.name);
+    EXPECT_EQ(content, c.content);
+    EXPECT_EQ(document.data(), c.left);
   }
 }
 
 TEST(Labels, Statuses) {
-  const std::string good = Label("<name>a</name>"), wide24 = Repeat("語", 24);
-  const auto named = [](const std::string& more) { return Label("<name>a</name>" + more); };
-  struct Case {
-    std::string document;
-    int32_t status, labels, names, notes, parts;
+  const std::string good = Label("a"), wide24 = Repeat("語", 24), end = "</emoji>";
+  // The document behind its start tag; status, labels, names, notes, parts.
+  const std::pair<std::string, std::array<int32_t, 5>> cases[] = {
+      {good + end, {0, 1, 1, 1, 1}},
+      {good, {-40, 0, 0, 0, 0}},
+      {end + good, {-40, 0, 0, 0, 0}},  // behind the root
+      {Repeat(good, 12) + end, {0, 10, 10, 10, 10}},
+      {Repeat(good, 10) + "<label>" + end, {0, 10, 10, 10, 10}},  // no eleventh is looked at
+      {good + "<label><note>n</note></label>" + end, {-40, 2, 1, 1, 1}},
+      {"</label>" + good + end, {-40, 1, 0, 0, 0}},
+      {good + "</label>" + end, {-40, 1, 1, 1, 1}},
+      {Label(wide24) + end, {0, 1, 1, 1, 1}},
+      {Label(wide24 + "x") + end, {-40, 1, 0, 0, 0}},
+      {"<label><name>a</label>" + end, {-40, 1, 0, 0, 0}},
+      {Label("a", "<note>" + wide24 + "</note>") + end, {0, 1, 1, 1, 1}},
+      {Label("a", "<note>" + wide24 + "x</note>") + end, {-40, 1, 1, 0, 0}},
+      {Label("a", "<note>n") + end, {-40, 1, 1, 0, 0}},
+      {Label("a", "<part>" + std::string(256, 'p') + "</part>") + end, {0, 1, 1, 1, 1}},
+      {Label("a", "<part>" + std::string(257, 'p') + "</part>") + end, {-40, 1, 1, 1, 0}},
   };
-  const Case cases[] = {
-      {"<emoji>" + good + "</emoji>", 0, 1, 1, 1, 1},
-      {"<emoji></emoji>", -40, 0, 0, 0, 0},
-      {" <emoji>" + good + "</emoji>", -40, 0, 0, 0, 0},
-      {"<emoji>" + good, -40, 0, 0, 0, 0},
-      {"<emoji></emoji>" + good, -40, 0, 0, 0, 0},  // behind the root
-      {"<emoji>" + Repeat(good, 12) + "</emoji>", 0, 10, 10, 10, 10},
-      {"<emoji>" + Repeat(good, 10) + "<label></emoji>", 0, 10, 10, 10,
-       10},  // an eleventh is not looked at
-      {"<emoji>" + good + Label("<note>n</note>") + "</emoji>", -40, 2, 1, 1, 1},
-      {"<emoji></label>" + good + "</emoji>", -40, 1, 0, 0, 0},
-      {"<emoji>" + good + "</label></emoji>", -40, 1, 1, 1, 1},
-      {"<emoji>" + Label("<name>" + wide24 + "</name>") + "</emoji>", 0, 1, 1, 1, 1},
-      {"<emoji>" + Label("<name>" + wide24 + "x</name>") + "</emoji>", -40, 1, 0, 0, 0},
-      {"<emoji>" + Label("<name>a") + "</emoji>", -40, 1, 0, 0, 0},
-      {"<emoji>" + named("<note>" + wide24 + "</note>") + "</emoji>", 0, 1, 1, 1, 1},
-      {"<emoji>" + named("<note>" + wide24 + "x</note>") + "</emoji>", -40, 1, 1, 0, 0},
-      {"<emoji>" + named("<note>n") + "</emoji>", -40, 1, 1, 0, 0},
-      {"<emoji>" + named("<part>" + std::string(256, 'p') + "</part>") + "</emoji>", 0, 1, 1, 1, 1},
-      {"<emoji>" + named("<part>" + std::string(257, 'p') + "</part>") + "</emoji>", -40, 1, 1, 1,
-       0},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.document.substr(0, 60));
-    Document document(c.document);
-    auto attr = std::make_unique<AttrInfo>();
-    EXPECT_EQ(GetLabelInfo(document.get(), attr.get()), c.status);
-    EXPECT_EQ(attr->labelCount, c.labels);
-    EXPECT_EQ(attr->nameCount, c.names);
-    EXPECT_EQ(attr->noteCount, c.notes);
-    EXPECT_EQ(attr->partCount, c.parts);
-  }
   auto attr = std::make_unique<AttrInfo>();
+  for (const auto& [rest, want] : cases) {
+    *attr = {};
+    const int32_t status = GetLabelInfo(Block("<emoji>" + rest).data(), attr.get());
+    EXPECT_EQ(
+        (std::array{status, attr->labelCount, attr->nameCount, attr->noteCount, attr->partCount}),
+        want)
+        << rest.substr(0, 60);
+  }
+  EXPECT_EQ(GetLabelInfo(Block(" <emoji>" + good + end).data(), attr.get()), -40);
   EXPECT_EQ(GetLabelInfo(nullptr, attr.get()), -99);
-  EXPECT_EQ(GetLabelInfo(Document("<emoji>").get(), nullptr), -99);
+  EXPECT_EQ(GetLabelInfo(Block("<emoji>").data(), nullptr), -99);
 }
 
 TEST(Labels, FieldsInAnyOrderAndTheCutBehindTheRoot) {
-  const std::string root = "<emoji>" + Label("<part>p</part> <name>a</name>") + "<name>x</name>" +
-                           Label("<name>b</name><note></note>") + "</emoji>";
-  Document document(root + "<label></emoji>");
+  const std::string root = "<emoji><label><part>p</part> <name>a</name></label><name>x</name>" +
+                           Label("b", "<note></note>") + "</emoji>";
+  auto document = Block(root + "<label></emoji>");
   auto attr = std::make_unique<AttrInfo>();
-  EXPECT_EQ(GetLabelInfo(document.get(), attr.get()), 0);
-  EXPECT_EQ(document.Text(), root);
+  EXPECT_EQ(GetLabelInfo(document.data(), attr.get()), 0);
+  EXPECT_EQ(document.data(), root);
   EXPECT_STREQ(attr->name[0], "a");
   EXPECT_STREQ(attr->part[0], "p");
   EXPECT_STREQ(attr->name[1], "b");
@@ -187,16 +154,15 @@ TEST(PartOfSpeech, NamesAndNumbers) {
 }
 
 struct Collected {
-  std::string joined, names, contents;  // names and contents each followed by a blank
-  std::string sizes;
+  std::string joined, names, contents, sizes;  // the latter three each followed by a blank
   std::string left;
 };
 
 Collected Collect(const std::string& text) {
-  Document document(text);
+  auto document = Block(text);
   auto tags = std::make_unique<TagCollection>();
-  CollectTagGroups(document.get(), tags.get());
-  Collected result{tags->joinedNames, "", "", "", document.Text()};
+  CollectTagGroups(document.data(), tags.get());
+  Collected result{tags->joinedNames, "", "", "", document.data()};
   for (int32_t i = 0; i < tags->elementCount; ++i) {
     result.names += std::string(tags->tagName[i]) + " ";
     result.contents += std::string(tags->tagElement[i]) + " ";
@@ -207,8 +173,8 @@ Collected Collect(const std::string& text) {
 }
 
 TEST(TagGroups, GroupsInDocumentOrder) {
-  const Collected plain =
-      Collect("x" + Tag("a", "1") + Tag("b", "2") + "y" + Tag("a", "3") + "<tags name=\"c\">");
+  const Collected plain = Collect(std::string("x") + Tag("a", "1") + Tag("b", "2") + "y" +
+                                  Tag("a", "3") + "<tags name=\"c\">");
   EXPECT_EQ(plain.joined, "a,b");
   EXPECT_EQ(plain.names, "a b a ");
   EXPECT_EQ(plain.contents, "1 2 3 ");
@@ -227,26 +193,24 @@ TEST(TagGroups, GroupsInDocumentOrder) {
 
 TEST(TagGroups, Limits) {
   EXPECT_EQ(Collect(Repeat(Tag("a", "1"), 11) + Tag("b", "2")).sizes, "10 1 ");
-  std::string eleven, hundredAndOne;
+  std::string eleven, longest;
   for (char c = 'a'; c <= 'k'; ++c) eleven += Tag(std::string(1, c), "1");
   EXPECT_EQ(Collect(eleven + Tag("a", "2")).joined, "a,b,c,d,e,f,g,h,i,j");
   EXPECT_EQ(Collect(eleven + Tag("a", "2")).sizes, "2 1 1 1 1 1 1 1 1 1 ");
   EXPECT_EQ(Collect(Repeat(Tag("a", ""), 101)).left, Tag("a", "")) << "the hundred-and-first stays";
   // Ten names of 256 bytes, of which only one is a character, fill the joined names.
-  std::string longest;
   for (char c = '0'; c <= '9'; ++c) longest += Tag(c + std::string(255, '\x80'), "");
   EXPECT_EQ(Collect(longest).joined.size(), 2569u);
 }
 
 TEST(TagGroups, OneUnusableElementEmptiesAll) {
   const std::string bad = Tag(std::string(25, 'n'), "") + Tag("z", "9");
-  Document document(Tag("a", "1") + bad);
+  auto document = Block(Tag("a", "1") + bad);
   auto tags = std::make_unique<TagCollection>();
-  CollectTagGroups(document.get(), tags.get());
-  EXPECT_EQ(document.Text(), bad);
-  EXPECT_STREQ(tags->joinedNames, "");
-  EXPECT_STREQ(tags->tagName[0], "");
-  EXPECT_STREQ(tags->tagElement[0], "");
+  CollectTagGroups(document.data(), tags.get());
+  EXPECT_EQ(document.data(), bad);
+  for (const char* text : {tags->joinedNames, tags->tagName[0], tags->tagElement[0]})
+    EXPECT_STREQ(text, "");
 }
 
 }  // namespace

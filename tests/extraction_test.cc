@@ -1,9 +1,11 @@
 // The reader is picked by the type, under the size limit; one tag group out of a picture.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "lumigram.h"
+#include "tests/support/documents.h"
 #include "tests/support/gif_builder.h"
 #include "tests/support/jpeg_builder.h"
 #include "tests/support/png_builder.h"
@@ -23,37 +25,32 @@ int32_t Extract(const Bytes& picture, FileType type, Extracted* out) {
 }
 
 TEST(Extraction, PicksTheReaderAndTellsAPictureWithoutDocument) {
-  const std::string document = "<emoji>a</emoji>";
-  struct Case {
+  const struct {
     Bytes with, without;
     FileType type;
     int32_t height, width, pop;
-  };
-  const Case cases[] = {
-      {GifScreen() + GifComment(document) + kGifEnd, GifScreen() + kGifEnd, 1, 80, 100, 0},
-      {kJpegStart + JpegComment(document) + JpegFrame() + kJpegEnd,
+  } cases[] = {
+      {GifScreen() + GifComment(Document()) + kGifEnd, GifScreen() + kGifEnd, 1, 80, 100, 0},
+      {kJpegStart + JpegComment(Document()) + JpegFrame() + kJpegEnd,
        kJpegStart + JpegFrame() + kJpegEnd, 2, 16, 32, 77},
-      {PngStart() + PngDocument(document) + kPngEnd, PngStart() + kPngEnd, 3, 16, 32, 77},
+      {PngStart() + PngDocument(Document()) + kPngEnd, PngStart() + kPngEnd, 3, 16, 32, 77},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.type);
-    Extracted with, without;
+    Extracted with, without, other;
     EXPECT_EQ(Extract(c.with, c.type, &with), 0);
-    EXPECT_STREQ(with.document.data(), document.c_str());
+    EXPECT_EQ(with.document.data(), Document());
     EXPECT_EQ(Extract(c.without, c.type, &without), -5);
-    EXPECT_EQ(without.document[0], '\0');
-    for (const Extracted& e : {with, without}) {
+    EXPECT_STREQ(without.document.data(), "");
+    for (const Extracted& e : {with, without})
       EXPECT_EQ(std::tuple(e.height, e.width, e.pop), std::tuple(c.height, c.width, c.pop));
-    }
-    // Only the type decides: of another type the same bytes are no picture.
-    Extracted other;
-    EXPECT_EQ(Extract(c.with, c.type == 1 ? 3 : c.type == 2 ? 3 : 2, &other), -30);
+    EXPECT_EQ(Extract(c.with, c.type == 3 ? 2 : 3, &other), -30) << "only the type decides";
   }
 }
 
 TEST(Extraction, Limits) {
   Extracted out;
-  const Bytes gif = GifScreen() + GifComment("<emoji>" + std::string(10233, 'x')) + kGifEnd;
+  const Bytes gif = GifScreen() + GifComment(Document(10240)) + kGifEnd;
   Bytes padded = gif;
   padded.resize(2097152);  // behind the trailer
   EXPECT_EQ(Extract(padded, 1, &out), 0);
@@ -77,32 +74,27 @@ int32_t Lookup(const std::string& document, const std::string& name, Results* re
   return GetTagInfo(stream.get(), 3, name.c_str(), *results);
 }
 
-std::string Tag(const std::string& name, const std::string& content) {
-  return "<tags name=\"" + name + "\">" + content + "</tags>";
-}
-
 TEST(TagInfo, ElementsOfOneGroup) {
   std::string twelve;
   for (char c = 'a'; c < 'm'; ++c) twelve += Tag("n", std::string(1, c)) + Tag("N", "other");
   const std::string x1024(1024, 'x');
-  struct Case {
-    std::string document, name;
+  const struct {
+    std::string inRoot, name;
     std::vector<std::string> contents;
+  } cases[] = {
+      {twelve, "n", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}},
+      {twelve, "x", {}},
+      {Tag("n", "1") + Tag("n", "") + Tag("n", "3"), "n", {"1"}},
+      {Tag("n", x1024) + Tag("n", x1024 + "x") + Tag("n", "3"), "n", {x1024}},
+      {"</emoji>" + Tag("n", "behind"), "n", {"behind"}},
+      {Tag("n", "1") + Tag("", "2"), "", {"2"}},
   };
-  const Case cases[] = {
-      {"<emoji>" + twelve, "n", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}},
-      {"<emoji>" + twelve, "x", {}},
-      {"<emoji>" + Tag("n", "1") + Tag("n", "") + Tag("n", "3"), "n", {"1"}},
-      {"<emoji>" + Tag("n", x1024) + Tag("n", x1024 + "x") + Tag("n", "3"), "n", {x1024}},
-      {"<emoji></emoji>" + Tag("n", "behind"), "n", {"behind"}},
-      {"<emoji>" + Tag("n", "1") + Tag("", "2"), "", {"2"}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.document.substr(0, 60));
+  for (auto c : cases) {
+    SCOPED_TRACE(c.inRoot.substr(0, 60));
     Results results;
-    ASSERT_EQ(Lookup(c.document, c.name, &results), 0);
-    for (size_t k = 0; k < 10; ++k)
-      EXPECT_EQ(results[k], k < c.contents.size() ? c.contents[k] : "") << k;
+    ASSERT_EQ(Lookup("<emoji>" + c.inRoot, c.name, &results), 0);
+    c.contents.resize(10);
+    EXPECT_TRUE(std::ranges::equal(results, c.contents));
   }
 }
 
@@ -110,13 +102,12 @@ TEST(TagInfo, LongNamesAndFailures) {
   Results results;
   for (size_t size : {244u, 245u, 255u}) {
     const std::string name(size, 'n');
-    ASSERT_EQ(Lookup("<emoji>" + Tag(name + "n", "longer") + Tag(name, "wanted"), name, &results),
-              0);
+    const std::string document = "<emoji>" + Tag(name + "n", "longer") + Tag(name, "wanted");
+    ASSERT_EQ(Lookup(document, name, &results), 0);
     EXPECT_STREQ(results[0], "wanted") << size;
   }
   EXPECT_EQ(Lookup("<emoji>" + Tag("n", "1"), std::string(256, 'n'), &results), -99);
-  const Bytes picture = PngStart() + kPngEnd;
-  const ScopedFile stream = Stream(picture);
+  const ScopedFile stream = Stream(PngStart() + kPngEnd);
   EXPECT_EQ(GetTagInfo(stream.get(), 3, "n", results), -99) << "no document";
   EXPECT_EQ(GetTagInfo(nullptr, 3, "n", results), -99);
   EXPECT_EQ(GetTagInfo(stream.get(), 4, "n", results), -99);

@@ -5,6 +5,7 @@
 
 #include "jni/java_text.h"
 #include "jni/native_methods.h"
+#include "tests/support/documents.h"
 #include "tests/support/fail_calls.h"
 #include "tests/support/fake_jni.h"
 #include "tests/support/png_builder.h"
@@ -20,12 +21,6 @@ extern "C" unsigned sleep(unsigned) {
 namespace lumigram::test {
 namespace {
 
-std::string Tags(std::string_view name, std::string_view content) {
-  return "<tags name=\"" + std::string(name) + "\">" + std::string(content) + "</tags>";
-}
-std::string Label(std::string_view name, std::string_view more = "") {
-  return "<label><name>" + std::string(name) + "</name>" + std::string(more) + "</label>";
-}
 Bytes Png(const std::string& inRoot) {
   return PngStart() + PngDocument("<emoji>" + inRoot + "</emoji>") + kPngImage + kPngEnd;
 }
@@ -33,8 +28,8 @@ Bytes Png(const std::string& inRoot) {
 const Bytes kBarePng = PngStart() + kPngImage + kPngEnd;
 const Bytes kFullPng =
     Png(Label("smile", "<note>happy</note><part>名詞</part>") +
-        Label("wink", "<part>unknown</part>") + Tags("color", "yellow") +
-        "<category>face</category><type></type>" + Tags("motion", "") + Tags("color", "red"));
+        Label("wink", "<part>unknown</part>") + Tag("color", "yellow") +
+        "<category>face</category><type></type>" + Tag("motion", "") + Tag("color", "red"));
 
 std::string SizeOf(const Bytes& bytes) {
   return std::string("J").append(std::to_string(bytes.size()));
@@ -120,11 +115,17 @@ class JniRead : public testing::Test {
 
 TEST_F(JniRead, ReadsABatch) {
   const std::string tooLong(25, 'x');
-  const Bytes small = Png(Label("1") + Label("2") + Tags("c", ""));
+  const Bytes cut = FirstOf(kFullPng, kFullPng.size() - 9), wide = PngStart(961, 5);
+  const auto sizes = [](const Bytes& picture, const std::string& more) {
+    return Spelled("mFileSize:" + SizeOf(picture) + " mOrnamailPop:J0 " + more);
+  };
+  Bytes largest = kFullPng;
+  largest.resize(2097152);
+  const Bytes small = Png(Label("1") + Label("2") + Tag("c", ""));
   const Values smallValues =
       Spelled("mTags:Sc mTagsName:Ac|*99 mName:A1|2|old*8 mNote:A*2 mPart:B0*2");
-  const Bytes refused = Png(Label("a") + Label(tooLong) + "<type>t</type>" + Tags("a", "long"));
-  const Bytes badTag = Png("<category>\xFF</category>" + Tags("c", "3") + Tags(tooLong, ""));
+  const Bytes refused = Png(Label("a") + Label(tooLong) + "<type>t</type>" + Tag("a", "long"));
+  const Bytes badTag = Png("<category>\xFF</category>" + Tag("c", "3") + Tag(tooLong, ""));
   const Values refusedValues =
       Spelled("mTags:Sa mTagsName:Aa|*99 mTagsElement:Along|*99|old mType:St");
   // One file stays empty for the whole time that is waited for it, the next one for less.
@@ -139,15 +140,21 @@ TEST_F(JniRead, ReadsABatch) {
       {"small.png", small, kOld, 0, smallValues},
       {"refused.png", refused, kOld, 0, refusedValues},
       {"again.png", small, kOld, 0, smallValues},
+      {"photo.bmp", kFullPng, kOld, -21, {}},
+      {"missing.png", {}, kOld, -20, {}},
+      {"cut.png", cut, kOld, -30, sizes(cut, "mHeight:J16 mWidth:J32")},
+      {"wide.png", wide, kOld, -31, sizes(wide, "mHeight:J5 mWidth:J961")},
+      {"largest.png", largest, kOld, 0, kFull},
+      {"larger.png", largest + Bytes{0}, kOld, -99, {}},
       {"bare.png", kBarePng, First(4, &Field::old), 0, {}},  // which needs four fields only
       {"badtag.png", badTag, kOld, 0, {{"mCategory", "S\xEF\xBF\xBD"}}},
-      {"noname.png", Png(Tags("", "x")), kOld, 0, {{"mTagsElement", "Ax|*99|old"}}},
+      {"noname.png", Png(Tag("", "x")), kOld, 0, {{"mTagsElement", "Ax|*99|old"}}},
       {"empty.png", {}, kOld, -99, {}},
       {"late.png", {}, kOld, 0, {}},
   });
   onPause = nullptr;
   EXPECT_EQ(pauses, 9);
-  EXPECT_EQ(vm_.Calls("CallStaticVoidMethodA"), 7) << "unused slots are filled in bulk";
+  EXPECT_EQ(vm_.Calls("CallStaticVoidMethodA"), 9) << "unused slots are filled in bulk";
   EXPECT_EQ(vm_.Calls("GetFieldID"), 12 + 4 + 6) << "once while the class stays the same";
 }
 

@@ -6,15 +6,9 @@
 
 #include "lumigram.h"
 #include "tests/support/bytes.h"
+#include "tests/support/documents.h"
 
 namespace lumigram::test {
-
-// The shortest document that both containers take, or one of the size.
-inline std::string Document(size_t size = 8) {
-  std::string text = "<emoji>";
-  text.resize(size, '.');
-  return text;
-}
 
 using Reader = decltype(&GetXmlStringFromPng);
 
