@@ -90,9 +90,7 @@ COMMANDS = [
     ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: No such file or directory (-20)\n",
      "!README.md: unsupported file type (-21)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
      "!.: a folder; -r takes the pictures in it (-20)\n"),
-    ("tag color smile.gif", 0, "yellow\n黄色\n"),
     ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
-    ("extract EMJ motion smile.gif", 1, '!smile.gif: no blob "motion" labelled "EMJ" (-99)\n'),
     ("check wink.gif star.png", 0, "2 fine\n"),
     ("check sub -r", 0, "1 fine\n"),
     ("set -n --category= --label 'smile 😀:a\\:b' --label 笑う::15 --label '[new]:n:1' --tag color=red smile.gif", 0,
@@ -100,21 +98,17 @@ COMMANDS = [
      "+\tlabel\t[new]\tn\t名詞\n", "-\ttag\tcolor\t黄色\n", "+\ttag\tcolor\tred\n", "1 would be written\n"),
     ("set --category face --tag mood='happy 🎉' smile.gif ./smile.gif link.gif", 0, "0 written, 1 unchanged\n"),
     ("set --embed EMJX:motion=out.bin heart.png sun.jpg", 1, "1 written, 1 failed\n", "!sun.jpg: a JPEG picture carries"),
-    ("set --embed EMJX:other=sub/boing.mid heart.png", 1, '!two blobs would have the name "boing.mid" (-50)\n'),
     ("set --tag eleven=x star.png", 1, '!star.png: tag "eleven" with "x" has an eleventh name: it is not read (-41)\n'),
     ("set --tag 'a=<label>' --category new wink.gif", 1, "!wink.gif: the content of tag 1 holds <label>, which is markup"),
     ("set --backup --category c classic.gif", 1, '!classic.gif: the backup "classic.gif~": File exists (-99)\n'),
     ("set --replace --label only smile.gif plain.png", 0, "2 written\n"),
     ("clear smile.gif heart.png plain.png", 0, "2 written, 1 unchanged\n"),
-    ("set star.png", 2, "!lumigram: set: nothing to change\n"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
     (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters where 24 are allowed"),
     ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label begins with EMJ and has at most 11 bytes\n"),
     ("set --label 'a</name>' star.png", 2, "!the name of label 1 holds </name>, which is markup of the document\n"),
-    ("set --tag 'a\">b=c' star.png", 2, '!the name of tag 1 holds ">, which is markup'),
     (FROM, 2, "[{]", "!standard input: line 1, column 3: "),
     (FROM, 2, '[{"path": "star.png", "labels": [{"name": "x"}, {"name": 3}]}]', "!/0/labels/1/name: expected a text, found 3\n"),
-    (FROM, 2, '[{"path": "star.png", "labels": [{"nome": "x"}]}]', "!/0/labels/0/nome: expected one of the members name, "),
     (FROM, 2, '[{"path": "star.png", "category": "x"}, {"category": "c"}]', '!/1: expected a member "path"'),
     (FROM, 2, '[{"path": "smile.gif", "type": "x"}, {"path": "link.gif"}]', "!/1/path: expected each picture once"),
     (FROM + " plain.png star.png", 0, '{"category": "c", "tags": [{"name": "n", "label": "EMJ1", "file": "out.bin"}]}',
@@ -207,16 +201,6 @@ def make_thousand(folder):
     os.chdir(folder)
 
 
-def test_thousand(folder):
-    make_thousand(folder)
-    for name in ("100.png", "200.jpg", "300.gif"):
-        os.truncate(name, 90)
-    status, out, err = run("set -r --category many .")
-    report("997 of 1,000", (status, out) != (1, "997 written, 3 failed\n") and (status, out),
-           [line.split(":")[0] for line in err.splitlines()] != ["./100.png", "./200.jpg", "./300.gif"] and err,
-           run("show -r .")[1].count("category\tmany\n") != 997)
-
-
 def interrupt(folder):
     """Ctrl-C after the first ten pictures. A busy machine may be late: None when all were done by then."""
     make_thousand(folder)
@@ -242,7 +226,7 @@ def test_interruption(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_losing, test_texts, test_round_trip, test_thousand, test_interruption):
+        for test in (test_commands, test_losing, test_texts, test_round_trip, test_interruption):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
