@@ -201,6 +201,16 @@ def make_thousand(folder):
     os.chdir(folder)
 
 
+def test_thousand(folder):
+    make_thousand(folder)
+    for name in ("100.png", "200.jpg", "300.gif"):
+        os.truncate(name, 90)
+    status, out, err = run("set -r --category many .")
+    report("997 of 1,000", (status, out) != (1, "997 written, 3 failed\n") and (status, out),
+           [line.split(":")[0] for line in err.splitlines()] != ["./100.png", "./200.jpg", "./300.gif"] and err,
+           run("show -r .")[1].count("category\tmany\n") != 997)
+
+
 def interrupt(folder):
     """Ctrl-C after the first ten pictures. A busy machine may be late: None when all were done by then."""
     make_thousand(folder)
@@ -226,7 +236,7 @@ def test_interruption(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_losing, test_texts, test_round_trip, test_interruption):
+        for test in (test_commands, test_losing, test_texts, test_round_trip, test_thousand, test_interruption):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")

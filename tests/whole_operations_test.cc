@@ -87,7 +87,7 @@ TEST(WholeOperations, DifferentPicturesInThreads) {
         const auto record = std::make_unique<AttrInfo>();
         std::string category;
         CopyText(record->category, wanted);
-        EXPECT_EQ(Operate(path, record.get(), nullptr), 0);
+        EXPECT_EQ(Operate(path, record.get(), &category), 0);
         EXPECT_EQ(Operate(path, nullptr, &category), 0);
         EXPECT_EQ(category, wanted);
       }
