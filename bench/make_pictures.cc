@@ -2,7 +2,6 @@
 //   make_pictures FOLDER             FOLDER/plain and FOLDER/tagged: a built set, without and with
 //   a document make_pictures FOLDER PICTURES    the same of the pictures in the folder PICTURES:
 //   copies, and tagged copies
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -15,14 +14,7 @@ namespace fs = std::filesystem;
 
 bool Tag(const std::string& path, FileType type) {
   const auto attr = std::make_unique<AttrInfo>();
-  strcpy(attr->name[0], "smile");
-  strcpy(attr->note[0], "happy");
-  strcpy(attr->part[0], GetPartName(1));
-  strcpy(attr->name[1], "wink");
-  strcpy(attr->category, "face");
-  strcpy(attr->type, "anime");
-  strcpy(attr->tag[0].tagName, "color");
-  strcpy(attr->tag[0].tagElement, "yellow");
+  lumigram::bench::FillRecord(attr.get());
   FILE* stream = nullptr;
   if (OpenFile(path.c_str(), 0, &stream, &type) != kLumigramOk) return false;
   const int32_t status = SetXmlStringToFile(stream, path.c_str(), attr.get(), type);

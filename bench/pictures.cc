@@ -1,6 +1,7 @@
 #include "bench/pictures.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -124,6 +125,17 @@ std::vector<PictureSet> BuildPictures(const std::string& folder) {
     }
   }
   return sets;
+}
+
+void FillRecord(AttrInfo* record) {
+  strcpy(record->name[0], "smile");
+  strcpy(record->note[0], "happy");
+  strcpy(record->part[0], GetPartName(1));
+  strcpy(record->name[1], "wink");
+  strcpy(record->category, "face");
+  strcpy(record->type, "anime");
+  strcpy(record->tag[0].tagName, "color");
+  strcpy(record->tag[0].tagElement, "yellow");
 }
 
 }  // namespace lumigram::bench

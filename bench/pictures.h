@@ -24,6 +24,9 @@ std::vector<PictureSet> PicturesOf(const std::string& folder);
 // of small emoji: about 1.2 KB for GIF, 1.7 KB for PNG and 15 KB for JPEG in the median.
 std::vector<PictureSet> BuildPictures(const std::string& folder);
 
+// Two labels, category, type and a tag: what a tagged picture carries.
+void FillRecord(AttrInfo* record);
+
 }  // namespace lumigram::bench
 
 #endif  // LUMIGRAM_BENCH_PICTURES_H_

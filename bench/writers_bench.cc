@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 
@@ -37,14 +36,7 @@ void Rewrite(const std::string& path) {
 const AttrInfo& Record() {
   static const AttrInfo& record = *[] {
     AttrInfo* attr = new AttrInfo();
-    strcpy(attr->name[0], "smile");
-    strcpy(attr->note[0], "happy");
-    strcpy(attr->part[0], GetPartName(1));
-    strcpy(attr->name[1], "wink");
-    strcpy(attr->category, "face");
-    strcpy(attr->type, "anime");
-    strcpy(attr->tag[0].tagName, "color");
-    strcpy(attr->tag[0].tagElement, "yellow");
+    FillRecord(attr);
     return attr;
   }();
   return record;
