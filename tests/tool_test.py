@@ -216,7 +216,7 @@ def interrupt(folder):
     make_thousand(folder)
     old = contents()
     work = subprocess.Popen(["nice", TOOL, "set", "-r", "--category", "cut", "."], stdout=subprocess.DEVNULL,
-                            stderr=subprocess.PIPE)
+                            stderr=subprocess.PIPE, preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
     while pathlib.Path("010.png").stat().st_size == len(old["010.png"]) and work.poll() is None:
         time.sleep(0.0005)
     work.send_signal(signal.SIGINT)
