@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "core/document/document_format.h"
+#include "core/file/picture_file.h"
 #include "jni/java_text.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
@@ -206,15 +207,14 @@ class BatchReader {
 
  private:
   Status ReadContainer(jstring path) {
-    OpenPicture picture;
+    PictureFile picture;
     if (Status s = Open(path, &picture); s != kOk) return s;
     int32_t size;
-    if (!Measure(picture.stream.get(), &size) || size > kLumigramMaxPictureBytes) return kBadStream;
+    if (!Measure(picture, &size) || size > kLumigramMaxPictureBytes) return kBadStream;
     if (Status s = object_.SetNumber(kFileSize, size); s != kOk) return s;
     memset(storage_.document, 0, sizeof storage_.document);
     int32_t height = 0, width = 0, pop = 0;
-    const Status status = static_cast<Status>(
-        GetXmlString(picture.stream.get(), picture.type, storage_.document, &height, &width, &pop));
+    const Status status = picture.ReadDocument(storage_.document, &height, &width, &pop);
     // Also those of a picture that was refused: a reader tells what it found before.
     if (Status s = object_.SetNumber(kHeight, height); s != kOk) return s;
     if (Status s = object_.SetNumber(kWidth, width); s != kOk) return s;
@@ -222,15 +222,15 @@ class BatchReader {
     return status;
   }
 
-  Status Open(jstring path, OpenPicture* picture) {
+  Status Open(jstring path, PictureFile* picture) {
     const JavaText text(env_, path);
     return text.Get() == nullptr ? kBadArgument : picture->Open(text.Get());
   }
 
   // Who has just created a file gets a moment to fill it.
-  static bool Measure(FILE* stream, int32_t* size) {
+  static bool Measure(const PictureFile& picture, int32_t* size) {
     for (int i = 0; i < kMeasurements; ++i) {
-      if (CommonGetFileSize(stream, size) == kOk && *size > 0) return true;
+      if (picture.GetSize(size) == kOk && *size > 0) return true;
       sleep(1);
     }
     return false;

@@ -36,8 +36,8 @@ TEST(ByteSource, WalksTheSameWayBothWays) {
       ASSERT_TRUE(source.Read(large));
       EXPECT_EQ(large, Bytes(bytes.begin() + 4102, bytes.begin() + 13102));
       ASSERT_TRUE(source.Back(9002));
-      ASSERT_TRUE(source.ReadLe16(&pair));
-      EXPECT_EQ(pair, bytes[4100] | bytes[4101] << 8);
+      ASSERT_TRUE(source.ReadBe16(&pair));
+      EXPECT_EQ(pair, bytes[4100] << 8 | bytes[4101]);
       EXPECT_EQ(source.Position(), 4102u);
     }
     EXPECT_EQ(ftell(stream.get()), 4102) << "the stream stands where the walk stopped";

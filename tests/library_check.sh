@@ -19,9 +19,9 @@ dynamic=$(readelf -dW "$library") segments=$(readelf -lW "$library") symbols=$(r
 same "needs only libc" "libc" "$(sed -nE 's/.*\(NEEDED\).*\[(.*)\.so(\.6)?\]/\1/p' <<<"$dynamic")"
 
 # The GNU C library names some functions by the width of file positions, or that they check sizes, and Clang knows its bcmp.
-# For ARM, a few have names of their own.
+# For ARM, a few have names of their own. __fwritable has its stand-in where the code is built for Android.
 used=$(awk '$5 == "GLOBAL" && $7 == "UND" { print $8 }' <<<"$symbols" |
-  sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d')
+  sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d; /^__fwritable$/d')
 same "uses only what Android has had since level 21" "" "$(grep -vxFf "$root/cmake/android-libc.txt" <<<"$used")"
 
 # Functions of the header, and native methods of the Java class: each must be there, and nothing else.

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,13 +11,26 @@
 
 namespace lumigram {
 
+namespace {
+
+bool IsReadOnly(FILE* stream, int descriptor) {
+#ifdef __ANDROID__  // whose older C libraries do not tell
+  (void)stream;
+  const int flags = fcntl(descriptor, F_GETFL);
+  return flags >= 0 && (flags & O_ACCMODE) == O_RDONLY;
+#else
+  (void)descriptor;
+  return __fwritable(stream) == 0;
+#endif
+}
+
+}  // namespace
+
 bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size) {
   const int fd = fileno(stream);
-  if (fd < 0) return false;
-  const int flags = fcntl(fd, F_GETFL);
-  if (flags < 0 || (flags & O_ACCMODE) != O_RDONLY) return false;
   struct stat status;
-  if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  if (fd < 0 || !IsReadOnly(stream, fd) || fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))
+    return false;
   *descriptor = fd;
   *size = static_cast<uint64_t>(status.st_size);
   return true;
@@ -24,29 +38,46 @@ bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size) {
 
 ByteSource::ByteSource(FILE* stream) : stream_(stream) {}
 
+ByteSource::ByteSource(int descriptor, uint64_t size)
+    : stream_(nullptr), descriptor_(descriptor), measured_(true), end_(size) {}
+
 ByteSource::~ByteSource() {
-  if (descriptor_ >= 0 && Position() != start_)
+  if (stream_ != nullptr && descriptor_ >= 0 && Position() != streamAt_)
     (void)fseek(stream_, static_cast<long>(Position()), SEEK_SET);
 }
 
 bool ByteSource::Measure() {
-  const long start = ftell(stream_);
-  if (start < 0) return false;
+  if (measured_) return true;
   int descriptor = -1;
   uint64_t end = 0;
-  if (!IsReadOnlyFile(stream_, &descriptor, &end)) {
+  const bool isFile = IsReadOnlyFile(stream_, &descriptor, &end);
+  const uint64_t ahead = isFile && end <= kBlockSize ? ReadAhead(static_cast<size_t>(end)) : 0;
+  // A stream that hands over as many bytes as its file has stood at the start: it is not asked.
+  const bool isWhole = ahead > 0 && ahead == end;
+  const long at = isWhole ? static_cast<long>(end) : ftell(stream_);
+  if (at < 0) return false;
+  if (!isFile) {
     if (fseek(stream_, 0, SEEK_END) != 0) return false;
     const long tail = ftell(stream_);
-    if (fseek(stream_, start, SEEK_SET) != 0 || tail < 0) return false;
+    if (fseek(stream_, at, SEEK_SET) != 0 || tail < 0) return false;
     end = static_cast<uint64_t>(tail);
   }
-  start_ = static_cast<uint64_t>(start);
+  streamAt_ = static_cast<uint64_t>(at);
+  start_ = blockStart_ = streamAt_ - ahead;
   if (end > kMaxPosition || start_ > kMaxPosition) return false;
   descriptor_ = descriptor;
-  end_ = end > start_ ? end : start_;
-  blockStart_ = start_;
+  end_ = end > streamAt_ ? end : streamAt_;
+  filled_ = static_cast<uint32_t>(ahead);
   measured_ = true;
   return true;
+}
+
+// Fills the block with up to that many bytes of the stream.
+size_t ByteSource::ReadAhead(size_t size) {
+  const size_t got = fread(block_, 1, size, stream_);
+  // The end that a short read has met, or its error, is nothing to the stream's owner.
+  if (got < size) clearerr(stream_);
+  return got;
 }
 
 bool ByteSource::Read(std::span<uint8_t> out) {
@@ -65,9 +96,9 @@ bool ByteSource::ReadStream(std::span<uint8_t> out) {
 bool ByteSource::ReadFile(std::span<uint8_t> out) {
   while (!out.empty()) {
     if (next_ == filled_) {
-      const bool direct = out.size() >= kBlockSize;
+      const bool direct = out.size() >= kPieceSize;
       uint8_t* const to = direct ? out.data() : block_;
-      const size_t room = direct ? out.size() : kBlockSize;
+      const size_t room = direct ? out.size() : end_ <= kBlockSize ? kBlockSize : kPieceSize;
       const uint64_t position = Position();
       const ssize_t got = pread(descriptor_, to, room, static_cast<off_t>(position));
       if (got < 0 && errno == EINTR) continue;
@@ -89,13 +120,6 @@ bool ByteSource::ReadFile(std::span<uint8_t> out) {
     next_ += static_cast<uint32_t>(here);
     out = out.subspan(here);
   }
-  return true;
-}
-
-bool ByteSource::ReadLe16(uint16_t* out) {
-  uint8_t bytes[2];
-  if (!Read(bytes)) return false;
-  *out = LoadLe16(bytes);
   return true;
 }
 

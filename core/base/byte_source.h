@@ -18,19 +18,21 @@ bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size);
 // The largest file position that is accepted: what a 32-bit machine can tell.
 inline constexpr uint64_t kMaxPosition = INT32_MAX;
 
-// A cursor over the bytes of a stream that it borrows and never closes. It answers true or false
-// and decides no status: the operation that called it names what a false means there.
+// A cursor over the bytes of a stream or a file that it borrows and never closes. It answers true
+// or false and decides no status: the operation that called it names what a false means there.
 //
-// A regular file that is open for reading only is read past the stream, by position and in blocks;
-// the stream is put where the walk stopped when the source goes out of scope. Every other stream (a
-// pipe, memory, one that is also written) is read through stdio, exactly as far as asked, so it
-// stands there at any time.
+// A regular file that is open for reading only is read ahead: a small one whole, when it is
+// measured, a larger one past the stream, by position and in pieces. The stream is put where the
+// walk stopped when the source goes out of scope. Every other stream (a pipe, memory, one that is
+// also written) is read through stdio, exactly as far as asked, so it stands there at any time.
 //
 // Invariant, once measured: Position() <= the end that Measure() found. A file that grows meanwhile
 // is not read past it.
 class ByteSource {
  public:
   explicit ByteSource(FILE* stream);
+  // A regular file of at most kMaxPosition bytes, from its start, without a stream. It is measured.
+  ByteSource(int descriptor, uint64_t size);
   ~ByteSource();
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
@@ -49,7 +51,6 @@ class ByteSource {
     }
     return Read({out, 1});
   }
-  [[nodiscard]] bool ReadLe16(uint16_t* out);
   [[nodiscard]] bool ReadBe16(uint16_t* out);
   [[nodiscard]] bool ReadBe32(uint32_t* out);
 
@@ -77,17 +78,20 @@ class ByteSource {
   uint64_t Remaining() const { return measured_ ? end_ - Position() : 0; }
 
  private:
-  static constexpr uint32_t kBlockSize = 4096;
+  static constexpr uint32_t kBlockSize = 16384;  // a file up to this size is read at once,
+  static constexpr uint32_t kPieceSize = 4096;   // a larger one in pieces: most of it is skipped
 
+  size_t ReadAhead(size_t size);
   bool MoveTo(uint64_t position);
   bool ReadStream(std::span<uint8_t> out);
   bool ReadFile(std::span<uint8_t> out);
 
-  FILE* const stream_;
-  int descriptor_ = -1;  // of a regular file that is read past the stream; -1: read through stdio
+  FILE* const stream_;   // null: a file without a stream
+  int descriptor_ = -1;  // of a regular file that is read ahead; -1: read through stdio
   bool measured_ = false;
   uint64_t start_ = 0;
   uint64_t end_ = 0;
+  uint64_t streamAt_ = 0;  // where the stream stands; as long as a file is read past it
   // block_[0, filled_) are the file's bytes from blockStart_ on, of which next_ have been taken.
   // Through stdio the block stays empty and blockStart_ is the position.
   uint64_t blockStart_ = 0;

@@ -1,28 +1,37 @@
-// Picks the reader by the picture's type, under the size limit.
+#include "core/file/extraction.h"
+
 #include <unistd.h>
 
-#include "core/base/status.h"
-#include "lumigram.h"
+#include "core/gif/gif_format.h"
+#include "core/jpeg/jpeg_format.h"
+#include "core/png/png_format.h"
 
 namespace lumigram {
 namespace {
 
-int32_t ReadDocument(FILE* stream, FileType type, char* xmlBuf, int32_t* height, int32_t* width,
-                     int32_t* pop) {
+Status ReadDocument(ByteSource& source, FileType type, char* xmlBuf, int32_t* height,
+                    int32_t* width, int32_t* pop) {
   // Dimensions are at most 960 or, where a reader stores them before it refuses them, any 32 bits.
   uint32_t* const unsignedHeight = reinterpret_cast<uint32_t*>(height);
   uint32_t* const unsignedWidth = reinterpret_cast<uint32_t*>(width);
   switch (type) {
     case kFileTypeGif:
-      return GetXmlStringFromGif(stream, xmlBuf, height, width, pop);
+      return ReadGifDocument(source, xmlBuf, height, width, pop);
     case kFileTypeJpeg:
-      return GetXmlStringFromJpg(stream, xmlBuf, unsignedHeight, unsignedWidth);
+      return ReadJpegDocument(source, xmlBuf, unsignedHeight, unsignedWidth);
     default:
-      return GetXmlStringFromPng(stream, xmlBuf, unsignedHeight, unsignedWidth);
+      return ReadPngDocument(source, xmlBuf, unsignedHeight, unsignedWidth);
   }
 }
 
 }  // namespace
+
+Status ExtractDocument(ByteSource& source, FileType type, char* xmlBuf, int32_t* height,
+                       int32_t* width, int32_t* pop) {
+  if (Status s = ReadDocument(source, type, xmlBuf, height, width, pop); s != kOk) return s;
+  return xmlBuf[0] == '\0' ? kNoDocument : kOk;
+}
+
 }  // namespace lumigram
 
 using namespace lumigram;
@@ -36,7 +45,6 @@ int32_t GetXmlString(FILE* stream, FileType type, char* xmlBuf, int32_t* height,
     return kBadArgument;
   // An empty file is most likely one that somebody is about to write.
   if (size == 0) sleep(1);
-  const int32_t status = ReadDocument(stream, type, xmlBuf, height, width, pop);
-  if (status != kOk) return status;
-  return xmlBuf[0] == '\0' ? kNoDocument : kOk;
+  ByteSource source(stream);
+  return ExtractDocument(source, type, xmlBuf, height, width, pop);
 }

@@ -1,5 +1,6 @@
 #include "core/file/path.h"
 
+#include <fcntl.h>
 #include <stdint.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -51,14 +52,27 @@ ScopedBlock<char> Utf8Spelling(const char* path) {
   return spelling;
 }
 
+bool IsOpen(FILE* stream) { return stream != nullptr; }
+bool IsOpen(int descriptor) { return descriptor >= 0; }
+
+template <typename Call>
+auto TrySpellings(const char* path, Call call) {
+  const auto opened = call(path);
+  if (IsOpen(opened) || FindPair(path) == nullptr) return opened;
+  const ScopedBlock<char> spelling = Utf8Spelling(path);
+  return spelling == nullptr ? opened : call(spelling.get());
+}
+
 }  // namespace
 
+int OpenDescriptorForReading(const char* path) {
+  return TrySpellings(path,
+                      [](const char* spelling) { return open(spelling, O_RDONLY | O_CLOEXEC); });
+}
+
 FILE* OpenForReading(const char* path) {
-  FILE* stream = fopen(path, "rb");
-  if (stream == nullptr && FindPair(path) != nullptr) {
-    const ScopedBlock<char> spelling = Utf8Spelling(path);
-    if (spelling != nullptr) stream = fopen(spelling.get(), "rb");
-  }
+  FILE* const stream =
+      TrySpellings(path, [](const char* spelling) { return fopen(spelling, "rb"); });
   // Sources read regular files in blocks of their own: a second buffer would only be filled and
   // thrown away.
   if (stream != nullptr) (void)setvbuf(stream, nullptr, _IONBF, 0);

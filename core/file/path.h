@@ -12,8 +12,10 @@ namespace lumigram {
 
 // Opens for reading ("rb"), first by the path as it is, then, when that fails and it holds pairs,
 // by its UTF-8 spelling. Null, with errno set, when neither can be opened. The caller closes the
-// stream.
+// stream,
+// or the descriptor; -1 stands for null there.
 FILE* OpenForReading(const char* path);
+int OpenDescriptorForReading(const char* path);
 
 // The spelling to write to: the path when it names an existing file or holds no pairs, else its
 // UTF-8 spelling, which *storage then owns. Null when there is no memory for it.

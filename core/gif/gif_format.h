@@ -127,6 +127,10 @@ Status WalkGifBlocks(ByteSource& source, const GifScreen& screen, Handler& handl
   return kOk;
 }
 
+// As GetXmlStringFromGif(), from any source.
+Status ReadGifDocument(ByteSource& source, char* xmlBuf, int32_t* height, int32_t* width,
+                       int32_t* pop);
+
 }  // namespace lumigram
 
 #endif  // LUMIGRAM_CORE_GIF_GIF_FORMAT_H_

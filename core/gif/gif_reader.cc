@@ -125,6 +125,13 @@ Status DocumentReader::TakeSubBlock(std::string_view text) {
 }
 
 }  // namespace
+
+Status ReadGifDocument(ByteSource& source, char* xmlBuf, int32_t* height, int32_t* width,
+                       int32_t* pop) {
+  if (!source.Measure()) return kBadStream;
+  return DocumentReader(xmlBuf, height, width, pop).Read(source);
+}
+
 }  // namespace lumigram
 
 using namespace lumigram;
@@ -133,8 +140,7 @@ int32_t GetXmlStringFromGif(FILE* stream, char* xmlBuf, int32_t* height, int32_t
                             int32_t* pop) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
   ByteSource source(stream);
-  if (!source.Measure()) return kBadStream;
-  return DocumentReader(xmlBuf, height, width, pop).Read(source);
+  return ReadGifDocument(source, xmlBuf, height, width, pop);
 }
 
 int32_t IsAcceptPopCommentData(int32_t byte) {

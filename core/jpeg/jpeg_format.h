@@ -44,6 +44,9 @@ inline Status ReadNextMarker(ByteSource& source, Marker* marker) {
   return source.ReadByte(&marker->code) ? kOk : kMalformed;
 }
 
+// As GetXmlStringFromJpg(), from any source.
+Status ReadJpegDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width);
+
 }  // namespace lumigram
 
 #endif  // LUMIGRAM_CORE_JPEG_JPEG_FORMAT_H_

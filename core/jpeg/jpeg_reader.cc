@@ -111,6 +111,14 @@ Status ReadSegments(ByteSource& source, Found* found) {
 }
 
 }  // namespace
+
+Status ReadJpegDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width) {
+  (void)source.Measure();  // saves reading where it can; nothing depends on it
+  Found found{xmlBuf, height, width};
+  if (Status s = ReadSegments(source, &found); s != kOk) return s;
+  return found.hasFrame ? kOk : kNoFrameHeader;
+}
+
 }  // namespace lumigram
 
 using namespace lumigram;
@@ -118,8 +126,5 @@ using namespace lumigram;
 int32_t GetXmlStringFromJpg(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
   ByteSource source(stream);
-  (void)source.Measure();  // saves reading where it can; nothing depends on it
-  Found found{xmlBuf, height, width};
-  if (Status s = ReadSegments(source, &found); s != kOk) return s;
-  return found.hasFrame ? kOk : kNoFrameHeader;
+  return ReadJpegDocument(source, xmlBuf, height, width);
 }

@@ -70,6 +70,9 @@ struct PngHead {
   uint32_t Height() const { return LoadBe32(bytes + 20); }
 };
 
+// As GetXmlStringFromPng(), from any source.
+Status ReadPngDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width);
+
 }  // namespace lumigram
 
 #endif  // LUMIGRAM_CORE_PNG_PNG_FORMAT_H_

@@ -47,13 +47,8 @@ Status ReadChunks(ByteSource& source, char* xmlBuf) {
 }
 
 }  // namespace
-}  // namespace lumigram
 
-using namespace lumigram;
-
-int32_t GetXmlStringFromPng(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
-  if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
-  ByteSource source(stream);
+Status ReadPngDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width) {
   if (!source.Measure()) return kBadStream;
   PngHead head;
   if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
@@ -61,4 +56,14 @@ int32_t GetXmlStringFromPng(FILE* stream, char* xmlBuf, uint32_t* height, uint32
   *height = head.Height();
   if (*width > kLumigramMaxPixels || *height > kLumigramMaxPixels) return kDimensions;
   return ReadChunks(source, xmlBuf);
+}
+
+}  // namespace lumigram
+
+using namespace lumigram;
+
+int32_t GetXmlStringFromPng(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
+  if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
+  ByteSource source(stream);
+  return ReadPngDocument(source, xmlBuf, height, width);
 }

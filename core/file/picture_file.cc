@@ -1,0 +1,54 @@
+#include "core/file/picture_file.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "core/file/extraction.h"
+#include "core/file/path.h"
+
+namespace lumigram {
+namespace {
+
+// Files of other sizes are waited for, or refused.
+bool IsReadyToRead(int descriptor, int32_t* size) {
+  struct stat status;
+  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  if (status.st_size <= 0 || status.st_size > kLumigramMaxPictureBytes) return false;
+  *size = static_cast<int32_t>(status.st_size);
+  return true;
+}
+
+}  // namespace
+
+PictureFile::~PictureFile() {
+  if (descriptor_ >= 0) (void)close(descriptor_);
+}
+
+Status PictureFile::Open(const char* path) {
+  if (GetFileType(path, &type_) != kOk) return kUnsupported;
+  const int descriptor = OpenDescriptorForReading(path);
+  if (descriptor < 0) return kCannotOpen;
+  if (IsReadyToRead(descriptor, &size_)) {
+    descriptor_ = descriptor;
+    return kOk;
+  }
+  stream_.reset(fdopen(descriptor, "rb"));
+  if (stream_ == nullptr) (void)close(descriptor);
+  return stream_ == nullptr ? kCannotOpen : kOk;
+}
+
+Status PictureFile::GetSize(int32_t* size) const {
+  if (stream_ != nullptr) return static_cast<Status>(CommonGetFileSize(stream_.get(), size));
+  *size = size_;
+  return kOk;
+}
+
+Status PictureFile::ReadDocument(char* xmlBuf, int32_t* height, int32_t* width,
+                                 int32_t* pop) const {
+  if (stream_ != nullptr)
+    return static_cast<Status>(GetXmlString(stream_.get(), type_, xmlBuf, height, width, pop));
+  ByteSource source(descriptor_, static_cast<uint64_t>(size_));
+  return ExtractDocument(source, type_, xmlBuf, height, width, pop);
+}
+
+}  // namespace lumigram
