@@ -81,7 +81,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   };
   for (const auto& [type, picture] : pictures) {
     NewPicture written;
-    const int32_t status = BuildPicture(Stream(picture).get(), type, *document, *attr, &written);
+    const ScopedFile stream = Stream(picture);
+    ByteSource source(stream.get());
+    const int32_t status = BuildPicture(source, type, *document, *attr, &written);
     if (type == kFileTypePng && document->length > kLumigramMaxDocumentBytes - 6) {
       Require(status == kLumigramTooLong, "the longest documents do not go into PNG");
       continue;

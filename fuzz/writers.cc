@@ -71,7 +71,9 @@ std::unique_ptr<Record> TakeRecord(Input& input) {
 int32_t Build(const Bytes& picture, FileType type, const XmlStringInfo& document,
               const AttrInfo& attr, Bytes* out) {
   NewPicture built;
-  const int32_t status = BuildPicture(test::Stream(picture).get(), type, document, attr, &built);
+  const ScopedFile stream = test::Stream(picture);
+  ByteSource source(stream.get());
+  const int32_t status = BuildPicture(source, type, document, attr, &built);
   if (status == 0) out->assign(built.bytes.get(), built.bytes.get() + built.length);
   return status;
 }
@@ -82,11 +84,11 @@ int32_t Write(const Bytes& picture, FileType type, const XmlStringInfo& document
   uint8_t* const bytes = reinterpret_cast<uint8_t*>(block.get());
   uint32_t length = 0;
   const ScopedFile stream = test::Stream(picture);
+  ByteSource source(stream.get());
   const int32_t status =
-      type == kFileTypeGif ? SetXmlStringToGif(stream.get(), &document, bytes, &length, &attr, room)
-      : type == kFileTypeJpeg
-          ? SetXmlStringToJpg(stream.get(), &document, bytes, &length, room)
-          : SetXmlStringToPng(stream.get(), &document, bytes, &length, &attr, room);
+      type == kFileTypeGif    ? SetXmlStringToGif(source, &document, bytes, &length, &attr, room)
+      : type == kFileTypeJpeg ? SetXmlStringToJpg(source, &document, bytes, &length, room)
+                              : SetXmlStringToPng(source, &document, bytes, &length, &attr, room);
   Require(length <= room, "the picture fits");
   out->assign(bytes, bytes + length);
   return status;

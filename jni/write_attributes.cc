@@ -3,6 +3,8 @@
 #include <string.h>
 
 #include "core/document/document_format.h"
+#include "core/file/picture_file.h"
+#include "core/write/write_picture.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -56,10 +58,13 @@ class AttributeValues {
       values_[f] = env_->GetObjectField(attr, id);
       const bool isArray = kFields[f].signature[0] == '[';
       if (values_[f] == nullptr && isArray && f != kTags) return kBadField;
+      if (isArray) lengths_[f] = LengthOf(env_, static_cast<jarray>(values_[f]));
     }
     return kOk;
   }
 
+  // Of an array that is not there, none.
+  jsize Length(Field field) const { return lengths_[field]; }
   jstring String(Field field) const { return static_cast<jstring>(values_[field]); }
   jobjectArray Strings(Field field) const { return static_cast<jobjectArray>(values_[field]); }
   jbyteArray Bytes(Field field) const { return static_cast<jbyteArray>(values_[field]); }
@@ -67,7 +72,19 @@ class AttributeValues {
  private:
   JNIEnv* const env_;
   jobject values_[kFieldCount] = {};
+  jsize lengths_[kFieldCount] = {};
 };
+
+// Clearing the record whole would take as long as writing a small picture into memory.
+void EmptyTexts(AttrInfo* attr) {
+  for (auto& text : attr->name) text[0] = '\0';
+  for (auto& text : attr->note) text[0] = '\0';
+  for (auto& text : attr->part) text[0] = '\0';
+  attr->category[0] = attr->type[0] = '\0';
+  for (TagEntry& tag : attr->tag) tag.tagName[0] = tag.tagElement[0] = '\0';
+  for (AppExtEntry& entry : attr->appExt)
+    entry.labelName[0] = entry.binaryDataUri[0] = entry.fileName[0] = '\0';
+}
 
 // One blob's name must not be another's: the container is searched by it.
 bool IsNameTaken(const AttrInfo& attr, int entry) {
@@ -79,7 +96,7 @@ bool IsNameTaken(const AttrInfo& attr, int entry) {
   return false;
 }
 
-// Copies one object into a record that is all zero.
+// Copies one object into a record of empty texts.
 class RecordFiller {
  public:
   RecordFiller(JNIEnv* env, AttrInfo* attr) : env_(env), attr_(*attr), values_(env) {}
@@ -95,13 +112,14 @@ class RecordFiller {
  private:
   // Entry i of an array of strings; past its end there are null entries.
   LocalRef<jstring> Entry(Field field, int i) {
-    const jobjectArray array = values_.Strings(field);
-    const bool isThere = i < LengthOf(env_, array);
-    return {env_, isThere ? env_->GetObjectArrayElement(array, i) : nullptr};
+    const bool isThere = i < values_.Length(field);
+    return {env_, isThere ? env_->GetObjectArrayElement(values_.Strings(field), i) : nullptr};
   }
 
+  // Most texts of an object are empty, as their fields are.
   template <size_t N>
   bool Copy(jstring string, char (&field)[N]) {
+    if (string != nullptr && env_->GetStringUTFLength(string) == 0) return true;
     const JavaText text(env_, string);
     if (text.Get() != nullptr) CopyText(field, text.Get());
     return text.Get() != nullptr;
@@ -120,11 +138,10 @@ class RecordFiller {
   Status FillLabels() {
     const JavaBytes parts(env_, values_.Bytes(kPart), JavaBytes::kDiscard);
     if (parts.Get() == nullptr) return kBadField;
-    const jsize partCount = env_->GetArrayLength(values_.Bytes(kPart));
     for (int i = 0; i < kLumigramMaxLabels; ++i) {
       if (!CopyEntry(kName, i, attr_.name[i])) return kBadField;
       if (!CopyEntry(kNote, i, attr_.note[i])) return kBadField;
-      const int32_t part = i < partCount ? parts.Get()[i] : 0;
+      const int32_t part = i < values_.Length(kPart) ? parts.Get()[i] : 0;
       CopyText(attr_.part[i], GetPartName(static_cast<uint32_t>(part)));
     }
     return kOk;
@@ -190,13 +207,13 @@ Status Fill(JNIEnv* env, jobject object, AttrInfo* attr) {
 }
 
 // Java learns that the picture was not written, not why.
-Status WritePicture(JNIEnv* env, jstring path, const AttrInfo& attr) {
+Status Write(JNIEnv* env, jstring path, const AttrInfo& attr) {
   const JavaText text(env, path);
   if (text.Get() == nullptr) return kBadField;
-  OpenPicture picture;
+  PictureFile picture;
   if (Status s = picture.Open(text.Get()); s != kOk) return s;
-  const int32_t status = SetXmlStringToFile(picture.stream.get(), text.Get(), &attr, picture.type);
-  return status == kOk ? kOk : kTooLong;
+  ByteSource source = picture.Source();
+  return WritePicture(source, text.Get(), attr, picture.Type()) == kOk ? kOk : kTooLong;
 }
 
 }  // namespace
@@ -207,8 +224,9 @@ using namespace lumigram;
 jint Java_lumigram_jni_LumigramJni_setLumigramAttrInfo(JNIEnv* env, jclass, jstring path,
                                                        jobject attr) {
   if (path == nullptr || attr == nullptr) return kNullArgument;
-  const ScopedBlock<AttrInfo> record(static_cast<AttrInfo*>(calloc(1, sizeof(AttrInfo))));
+  const ScopedBlock<AttrInfo> record(static_cast<AttrInfo*>(malloc(sizeof(AttrInfo))));
   if (record == nullptr) return kNoRoom;
+  EmptyTexts(record.get());
   if (Status s = Fill(env, attr, record.get()); s != kOk) return s;
-  return WritePicture(env, path, *record);
+  return Write(env, path, *record);
 }

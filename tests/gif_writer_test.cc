@@ -21,9 +21,9 @@ AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_t first
 
 void Check(const Bytes& picture, std::string_view document, const AttrInfo& attr, int32_t status,
            const Bytes& want = {}) {
-  const auto write = [&](FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         uint32_t capacity) {
-    return SetXmlStringToGif(stream, doc, out, outLength, &attr, capacity);
+  const auto write = [&](ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, uint32_t capacity) {
+    return SetXmlStringToGif(source, doc, out, outLength, &attr, capacity);
   };
   CheckWriter(write, picture, document, status, want);
 }
@@ -101,7 +101,9 @@ TEST(GifWriter, Damage) {
   const XmlStringInfo none = {};
   uint8_t out;
   uint32_t n;
-  EXPECT_EQ(SetXmlStringToGif(Stream(start).get(), &none, &out, &n, nullptr, 1), -99);
+  const ScopedFile stream = Stream(start);
+  ByteSource source(stream.get());
+  EXPECT_EQ(SetXmlStringToGif(source, &none, &out, &n, nullptr, 1), -99);
 }
 
 }  // namespace

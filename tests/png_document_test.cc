@@ -37,9 +37,9 @@ void CheckRead(const char* what, const Bytes& picture, int32_t status, std::stri
 void CheckWrite(const char* what, const Bytes& rest, const std::string& doc, int32_t status,
                 const Bytes& wantRest = {}, const AttrInfo* attr = Blobs().get()) {
   SCOPED_TRACE(what);
-  const auto write = [&](FILE* stream, const XmlStringInfo* info, uint8_t* out, uint32_t* length,
-                         uint32_t room) {
-    return SetXmlStringToPng(stream, info, out, length, attr, room);
+  const auto write = [&](ByteSource& source, const XmlStringInfo* info, uint8_t* out,
+                         uint32_t* length, uint32_t room) {
+    return SetXmlStringToPng(source, info, out, length, attr, room);
   };
   CheckWriter(write, kStart + rest, doc, status, kStart + wantRest);
 }
@@ -117,7 +117,9 @@ TEST(PngDocument, Limits) {
   const XmlStringInfo none{};
   uint8_t out[99];
   uint32_t n = 7;
-  EXPECT_EQ(SetXmlStringToPng(Stream(noSignature).get(), &none, out, &n, nullptr, 99), -30);
+  const ScopedFile stream = Stream(noSignature);
+  ByteSource source(stream.get());
+  EXPECT_EQ(SetXmlStringToPng(source, &none, out, &n, nullptr, 99), -30);
   EXPECT_EQ(SetChunkCrc(4, &n, out, 99), -99) << "more than there is";
 }
 

@@ -131,7 +131,8 @@ void BuildText(const Document& document, const AttrInfo& record, XmlStringInfo* 
 Picture Build(const Picture& source, const XmlStringInfo& text, const AttrInfo& record) {
   const ScopedFile stream = OpenMemory(source.bytes);
   NewPicture built;
-  const Status status = BuildPicture(stream.get(), source.type, text, record, &built);
+  ByteSource original(stream.get());
+  const Status status = BuildPicture(original, source.type, text, record, &built);
   if (status == kTooLong) throw Failure(status, "the document is too long for a PNG picture");
   if (status == kPictureTooLarge) throw Failure(status, "the picture would be over 2 MiB");
   if (status != kOk) throw Failure(status, LumigramStatusText(status));

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "core/base/bytes.h"
 
 namespace lumigram {
@@ -63,10 +65,11 @@ bool ByteSource::Measure() {
     end = static_cast<uint64_t>(tail);
   }
   streamAt_ = static_cast<uint64_t>(at);
-  start_ = blockStart_ = streamAt_ - ahead;
-  if (end > kMaxPosition || start_ > kMaxPosition) return false;
+  const uint64_t start = streamAt_ - ahead;
+  if (end > kMaxPosition || start > kMaxPosition) return false;
   descriptor_ = descriptor;
-  end_ = end > streamAt_ ? end : streamAt_;
+  start_ = blockStart_ = std::min(start, end);
+  end_ = std::max(end, start_ + ahead);
   filled_ = static_cast<uint32_t>(ahead);
   measured_ = true;
   return true;

@@ -49,7 +49,7 @@ inline constexpr std::string_view kBlobMark = "EMJ";
 // Of the blobs that a record names: those that stay in the picture, and those whose bytes come from
 // a file.
 inline bool IsKept(const AppExtEntry& entry) {
-  return BeginsWith(TextOf(entry.binaryDataUri), kThisPicture);
+  return BeginsWith(std::string_view(entry.binaryDataUri, kThisPicture.size()), kThisPicture);
 }
 inline bool IsNew(const AppExtEntry& entry) {
   return entry.binaryDataUri[0] != '\0' && !IsKept(entry);

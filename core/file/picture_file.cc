@@ -43,11 +43,16 @@ Status PictureFile::GetSize(int32_t* size) const {
   return kOk;
 }
 
+ByteSource PictureFile::Source() const {
+  return stream_ != nullptr ? ByteSource(stream_.get())
+                            : ByteSource(descriptor_, static_cast<uint64_t>(size_));
+}
+
 Status PictureFile::ReadDocument(char* xmlBuf, int32_t* height, int32_t* width,
                                  int32_t* pop) const {
   if (stream_ != nullptr)
     return static_cast<Status>(GetXmlString(stream_.get(), type_, xmlBuf, height, width, pop));
-  ByteSource source(descriptor_, static_cast<uint64_t>(size_));
+  ByteSource source = Source();
   return ExtractDocument(source, type_, xmlBuf, height, width, pop);
 }
 

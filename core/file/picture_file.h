@@ -1,9 +1,10 @@
-// A picture file that is opened to have its document read, once.
+// A picture file that is opened to be read once, or to be rewritten.
 #ifndef LUMIGRAM_CORE_FILE_PICTURE_FILE_H_
 #define LUMIGRAM_CORE_FILE_PICTURE_FILE_H_
 
 #include <stdint.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/scoped.h"
 #include "core/base/status.h"
 
@@ -25,6 +26,10 @@ class PictureFile {
   Status GetSize(int32_t* size) const;
   // As GetXmlString().
   Status ReadDocument(char* xmlBuf, int32_t* height, int32_t* width, int32_t* pop) const;
+
+  FileType Type() const { return type_; }
+  // The bytes, from the first one on.
+  ByteSource Source() const;
 
  private:
   FileType type_ = kFileTypeUnknown;

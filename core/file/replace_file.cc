@@ -123,31 +123,29 @@ size_t FolderSize(const char* path) {
   return slash == nullptr ? 0 : static_cast<size_t>(slash - path) + 1;
 }
 
-// Stores the path that the links in the last component lead to; it need not exist.
-bool FollowLinks(const char* path, char (&target)[PATH_MAX]) {
+// Replaces the path by the one that the links in its last component lead to; it need not exist.
+bool FollowLinks(char (&path)[PATH_MAX]) {
   constexpr int kMaxLinks = 40;  // as many as the kernel follows
-  if (strlen(path) >= sizeof(target)) return false;
-  strcpy(target, path);
   for (int i = 0; i < kMaxLinks; ++i) {
     char link[PATH_MAX];
-    const ssize_t n = readlink(target, link, sizeof(link));
+    const ssize_t n = readlink(path, link, sizeof(link));
     if (n < 0) return true;
     const size_t size = static_cast<size_t>(n);
-    const size_t folder = link[0] == '/' ? 0 : FolderSize(target);
-    if (folder + size >= sizeof(target)) return false;
-    memcpy(target + folder, link, size);
-    target[folder + size] = '\0';
+    const size_t folder = link[0] == '/' ? 0 : FolderSize(path);
+    if (folder + size >= sizeof(path)) return false;
+    memcpy(path + folder, link, size);
+    path[folder + size] = '\0';
   }
   return false;
 }
 
-// Something that differs among threads, processes and moments, without state of our own.
+// Something that differs among threads and moments, without state of our own.
 uint64_t Seed() {
   timespec now = {};
   (void)clock_gettime(CLOCK_MONOTONIC, &now);
   const uint64_t stack = reinterpret_cast<uintptr_t>(&now);
   return static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec) +
-         (static_cast<uint64_t>(getpid()) << 40) + (stack << 20);
+         (stack << 20);
 }
 
 // Spreads the difference of two seeds over all their bits, and so over all letters.
@@ -157,8 +155,8 @@ uint64_t Mix(uint64_t x) {
   return x ^ x >> 31;
 }
 
-// Creates a file of a new name in the target's folder, open to nobody else. False with errno set.
-bool CreateBeside(const char* target, const char* extension, char (&path)[PATH_MAX],
+// Creates a file of a new name in the target's folder. False with errno set.
+bool CreateBeside(const char* target, const char* extension, mode_t mode, char (&path)[PATH_MAX],
                   NewFile* file) {
   constexpr char kPrefix[] = ".lumigram-";
   constexpr size_t kLetters = 8;
@@ -177,7 +175,7 @@ bool CreateBeside(const char* target, const char* extension, char (&path)[PATH_M
     uint64_t name = Mix(seed + static_cast<uint64_t>(i));
     for (size_t k = 0; k < kLetters; ++k, name /= 26)
       letters[k] = static_cast<char>('a' + name % 26);
-    if (file->Create(path, 0600)) return true;
+    if (file->Create(path, mode)) return true;
     if (errno != EEXIST) return false;
   }
   return false;
@@ -187,89 +185,126 @@ bool CreateBeside(const char* target, const char* extension, char (&path)[PATH_M
 // Owner, mode, access control list and other extended attributes
 
 constexpr char kAccessList[] = "system.posix_acl_access";
-constexpr size_t kMaxAttributeBytes = 65536;  // of a value, and of the list of names
 
-using AttributeBlock = ScopedBlock<char>;
+// What is asked for by its size first: the system sets room aside for as much as it is offered, and
+// most pictures have none of this.
+struct Attribute {
+  ScopedBlock<char> value;
+  ssize_t size = 0;  // negative: it could not be had, errno says why
 
-AttributeBlock NewAttributeBlock() {
-  return AttributeBlock(static_cast<char*>(malloc(kMaxAttributeBytes)));
+  template <typename Get>
+  void Take(Get get) {
+    size = get(nullptr, 0);
+    if (size <= 0) return;
+    const size_t room = static_cast<size_t>(size);
+    value.reset(static_cast<char*>(malloc(room)));
+    size = value == nullptr ? -1 : get(value.get(), room);
+  }
+};
+
+Attribute ReadNames(int fd) {
+  Attribute names;
+  names.Take([=](char* out, size_t room) { return flistxattr(fd, out, room); });
+  return names;
+}
+
+Attribute ReadAttribute(int fd, const char* name) {
+  Attribute attribute;
+  attribute.Take([=](char* out, size_t room) { return fgetxattr(fd, name, out, room); });
+  return attribute;
 }
 
 // As far as the system lets us: what it keeps to itself stays behind.
 void CopyAttributes(int from, int to) {
-  const AttributeBlock names = NewAttributeBlock();
-  const AttributeBlock value = NewAttributeBlock();
-  if (names == nullptr || value == nullptr) return;
-  const ssize_t size = flistxattr(from, names.get(), kMaxAttributeBytes);
-  for (ssize_t at = 0; at < size; at += static_cast<ssize_t>(strlen(names.get() + at)) + 1) {
-    const char* const name = names.get() + at;
+  const Attribute names = ReadNames(from);
+  for (ssize_t at = 0; at < names.size;) {
+    const char* const name = names.value.get() + at;
+    at += static_cast<ssize_t>(strlen(name)) + 1;
     if (strcmp(name, kAccessList) == 0) continue;
-    const ssize_t n = fgetxattr(from, name, value.get(), kMaxAttributeBytes);
-    if (n >= 0) (void)fsetxattr(to, name, value.get(), static_cast<size_t>(n), 0);
+    const Attribute attribute = ReadAttribute(from, name);
+    if (attribute.size >= 0)
+      (void)fsetxattr(to, name, attribute.value.get(), static_cast<size_t>(attribute.size), 0);
   }
 }
 
-// The list's size, 0 for none; negative, with errno set, when it cannot be had.
-ssize_t ReadAccessList(int fd, const AttributeBlock& list) {
-  const ssize_t n = fgetxattr(fd, kAccessList, list.get(), kMaxAttributeBytes);
-  return n < 0 && (errno == ENODATA || errno == EOPNOTSUPP || errno == ENOSYS) ? 0 : n;
+// Without one the size is 0.
+Attribute ReadAccessList(int fd) {
+  Attribute list = ReadAttribute(fd, kAccessList);
+  const bool isNone = errno == ENODATA || errno == EOPNOTSUPP || errno == ENOSYS;
+  if (list.size < 0 && isNone) list.size = 0;
+  return list;
+}
+
+bool HasAccessList(const Attribute& wanted, int fd) {
+  const Attribute given = ReadAccessList(fd);
+  return given.size == wanted.size &&
+         (given.size == 0 ||
+          memcmp(given.value.get(), wanted.value.get(), static_cast<size_t>(given.size)) == 0);
 }
 
 // A new file may have inherited a list from its folder that the picture does not have.
-bool GiveAccessList(int from, int to) {
-  const AttributeBlock wanted = NewAttributeBlock();
-  const AttributeBlock given = NewAttributeBlock();
-  if (wanted == nullptr || given == nullptr) return false;
-  const ssize_t wantedSize = ReadAccessList(from, wanted);
-  if (wantedSize < 0) return false;
-  const size_t size = static_cast<size_t>(wantedSize);
-  const auto matches = [&] {
-    const ssize_t n = ReadAccessList(to, given);
-    return n == wantedSize && memcmp(wanted.get(), given.get(), size) == 0;
-  };
-  if (matches()) return true;
-  const int set =
-      size == 0 ? fremovexattr(to, kAccessList) : fsetxattr(to, kAccessList, wanted.get(), size, 0);
-  return set == 0 && matches();
+bool GiveAccessList(const Attribute& wanted, int to) {
+  if (HasAccessList(wanted, to)) return true;
+  const int set = wanted.size == 0 ? fremovexattr(to, kAccessList)
+                                   : fsetxattr(to, kAccessList, wanted.value.get(),
+                                               static_cast<size_t>(wanted.size), 0);
+  return set == 0;
 }
 
-bool GiveOwner(const struct stat& wanted, int to) {
+// The mode comes behind the owner, whose change drops bits of it.
+bool GiveOwnerAndMode(const struct stat& wanted, int to) {
   constexpr uid_t kSameUser = static_cast<uid_t>(-1);
   constexpr gid_t kSameGroup = static_cast<gid_t>(-1);
   struct stat given;
   if (fstat(to, &given) != 0) return false;
   const uid_t user = given.st_uid == wanted.st_uid ? kSameUser : wanted.st_uid;
   const gid_t group = given.st_gid == wanted.st_gid ? kSameGroup : wanted.st_gid;
-  return (user == kSameUser && group == kSameGroup) || fchown(to, user, group) == 0;
+  const bool isOwned = user == kSameUser && group == kSameGroup;
+  if (!isOwned && fchown(to, user, group) != 0) return false;
+  return (isOwned && given.st_mode == wanted.st_mode) || fchmod(to, wanted.st_mode & 07777) == 0;
 }
 
-// Also after writing, which takes a set-user-ID bit away.
-bool GiveMode(const struct stat& wanted, int to) {
-  constexpr mode_t kModeBits = 07777;
+// Writing takes set-user-ID and set-group-ID bits away.
+bool GiveModeBack(const struct stat& wanted, int fd) {
+  return (wanted.st_mode & (S_ISUID | S_ISGID)) == 0 || fchmod(fd, wanted.st_mode & 07777) == 0;
+}
+
+// Who may do what with a picture.
+struct Access {
+  struct stat status;
+  Attribute list;
+};
+
+// What a new file is created with: of what anybody at all may do with the picture, who may do it
+// does not depend on the owner, group and list that the file has yet to be given.
+mode_t FirstMode(const Access& access) {
+  const mode_t mode = access.status.st_mode;
+  const mode_t anybody = access.list.size == 0 ? mode >> 3 & mode & 07 : 0;
+  return 0600 | anybody << 3 | anybody;
+}
+
+// Also behind giving it: a system may take a mode and drop bits of it.
+bool HasAccess(const Access& wanted, int fd) {
   struct stat given;
-  if (fstat(to, &given) != 0) return false;
-  return (given.st_mode & kModeBits) == (wanted.st_mode & kModeBits) ||
-         fchmod(to, wanted.st_mode & kModeBits) == 0;
+  return fstat(fd, &given) == 0 && given.st_uid == wanted.status.st_uid &&
+         given.st_gid == wanted.status.st_gid && given.st_mode == wanted.status.st_mode &&
+         HasAccessList(wanted.list, fd);
 }
 
-// Whether owner and mode have come out as wanted: a system may take a mode and drop bits of it.
-bool HasAccess(const struct stat& wanted, int fd) {
-  struct stat given;
-  return fstat(fd, &given) == 0 && given.st_uid == wanted.st_uid && given.st_gid == wanted.st_gid &&
-         given.st_mode == wanted.st_mode;
+Outcome OutcomeOfAccess(int error) {
+  const bool isFailure = error == ENOMEM || error == ENOSPC || error == EDQUOT || error == EIO;
+  return isFailure ? Outcome::kFailed : Outcome::kRefused;
 }
 
-// The mode comes behind the owner, whose change drops bits of it, and the list behind the mode,
-// whose group bits it gives a new meaning.
-Outcome GiveAccess(int from, const struct stat& wanted, int to) {
-  CopyAttributes(from, to);
-  errno = 0;  // of the steps that count; what comes out other than wanted leaves it so
-  if (GiveOwner(wanted, to) && GiveMode(wanted, to) && GiveAccessList(from, to) &&
+// The list comes behind the mode, whose group bits it gives a new meaning.
+Outcome GiveAccess(const Access& wanted, int to) {
+  errno = 0;  // what comes out other than wanted leaves it so
+  if (HasAccess(wanted, to)) return Outcome::kDone;
+  if (GiveOwnerAndMode(wanted.status, to) && GiveAccessList(wanted.list, to) &&
       HasAccess(wanted, to)) {
     return Outcome::kDone;
   }
-  const bool isFailure = errno == ENOMEM || errno == ENOSPC || errno == EDQUOT || errno == EIO;
-  return isFailure ? Outcome::kFailed : Outcome::kRefused;
+  return OutcomeOfAccess(errno);
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -283,11 +318,15 @@ Outcome OutcomeOfRefusal(int error) {
 
 Outcome ReplaceByRename(const char* target, const char* extension, int picture,
                         const struct stat& status, Bytes bytes) {
+  const Access access{status, ReadAccessList(picture)};
+  if (access.list.size < 0) return OutcomeOfAccess(errno);
   char path[PATH_MAX];
   NewFile file;
-  if (!CreateBeside(target, extension, path, &file)) return OutcomeOfRefusal(errno);
-  if (Outcome o = GiveAccess(picture, status, file.Get()); o != Outcome::kDone) return o;
-  if (!WriteAt(file.Get(), bytes, 0) || !GiveMode(status, file.Get()) || !file.SyncAndClose())
+  if (!CreateBeside(target, extension, FirstMode(access), path, &file))
+    return OutcomeOfRefusal(errno);
+  CopyAttributes(picture, file.Get());
+  if (Outcome o = GiveAccess(access, file.Get()); o != Outcome::kDone) return o;
+  if (!WriteAt(file.Get(), bytes, 0) || !GiveModeBack(status, file.Get()) || !file.SyncAndClose())
     return Outcome::kFailed;
   if (rename(path, target) != 0) return OutcomeOfRefusal(errno);
   file.Keep();
@@ -314,7 +353,7 @@ bool WriteInPlace(int fd, const struct stat& status, Bytes bytes) {
   if (block == nullptr || !ReadAt(fd, {block.get(), oldSize}, 0)) return false;
   const bool isWritten = WriteOver(fd, oldSize, bytes);
   if (!isWritten) PutBack(fd, {block.get(), oldSize});
-  (void)GiveMode(status, fd);
+  (void)GiveModeBack(status, fd);
   return isWritten;
 }
 
@@ -326,16 +365,29 @@ bool WriteNew(const char* path, Bytes bytes) {
   return true;
 }
 
-bool Replace(const char* target, const char* extension, Bytes bytes) {
-  Descriptor picture(Open(target, O_RDWR));
-  if (picture.Get() < 0) return errno == ENOENT && WriteNew(target, bytes);
+bool Replace(const char* target, const char* extension, Descriptor* picture, Bytes bytes) {
   struct stat status;
-  if (fstat(picture.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  if (fstat(picture->Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   const Outcome outcome = status.st_nlink > 1
                               ? Outcome::kRefused
-                              : ReplaceByRename(target, extension, picture.Get(), status, bytes);
+                              : ReplaceByRename(target, extension, picture->Get(), status, bytes);
   if (outcome != Outcome::kRefused) return outcome == Outcome::kDone;
-  return WriteInPlace(picture.Get(), status, bytes) && picture.Close();
+  return WriteInPlace(picture->Get(), status, bytes) && picture->Close();
+}
+
+// Opens the picture to be written, and stores the path that it has behind the links; false, with
+// errno set, when it cannot be opened.
+bool OpenTarget(const char* path, char (&target)[PATH_MAX], Descriptor* picture) {
+  constexpr int kHow = O_RDWR | O_NOFOLLOW;
+  if (strlen(path) >= sizeof(target)) {
+    errno = ENAMETOOLONG;
+    return false;
+  }
+  strcpy(target, path);
+  picture->Reset(Open(target, kHow));
+  if (picture->Get() < 0 && errno == ELOOP && FollowLinks(target))
+    picture->Reset(Open(target, kHow));
+  return picture->Get() >= 0;
 }
 
 }  // namespace
@@ -345,9 +397,14 @@ Status ReplaceFile(const char* path, std::span<const uint8_t> bytes) {
   if (GetFileType(path, &type) != kOk) return kCannotWrite;
   ScopedBlock<char> storage;
   const char* const spelling = PathForWriting(path, &storage);
+  if (spelling == nullptr) return kCannotWrite;
   char target[PATH_MAX];
-  if (spelling == nullptr || !FollowLinks(spelling, target)) return kCannotWrite;
-  return Replace(target, strrchr(path, '.'), bytes) ? kOk : kCannotWrite;
+  Descriptor picture;
+  const bool isThere = OpenTarget(spelling, target, &picture);
+  if (!isThere && errno != ENOENT) return kCannotWrite;
+  const bool isWritten =
+      isThere ? Replace(target, strrchr(path, '.'), &picture, bytes) : WriteNew(target, bytes);
+  return isWritten ? kOk : kCannotWrite;
 }
 
 }  // namespace lumigram

@@ -158,9 +158,8 @@ Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
   return WalkGifBlocks(source, screen, copier);
 }
 
-BlobSizes MeasureBlobsInGif(FILE* stream, const AttrInfo& attr) {
+BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr) {
   AllBlobsMeter meter(attr);
-  ByteSource source(stream);
   GifScreen screen;
   if (ReadScreen(source, &screen) == kOk) (void)WalkGifBlocks(source, screen, meter);
   return meter.Sizes();

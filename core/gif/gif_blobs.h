@@ -5,6 +5,7 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/status.h"
 #include "core/document/kept_blobs.h"
 
@@ -16,8 +17,8 @@ Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
                        const char* fileName, uint32_t capacity);
 
 // As GetSizeApplicationExtensionFromGif(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the stream is not put back.
-BlobSizes MeasureBlobsInGif(FILE* stream, const AttrInfo& attr);
+// walk. What a walk that fails has counted so far counts; the source is not put back.
+BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram
 

@@ -182,12 +182,10 @@ bool PictureCopier::IsWanted(std::string_view blobName) const {
 
 }  // namespace
 
-Status SetXmlStringToGif(FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         const AttrInfo* attr, uint32_t outCapacity) {
-  if (stream == nullptr || doc == nullptr || out == nullptr || outLength == nullptr ||
-      attr == nullptr)
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity) {
+  if (doc == nullptr || out == nullptr || outLength == nullptr || attr == nullptr)
     return kBadArgument;
-  ByteSource source(stream);
   if (!source.Measure()) return kBadStream;
   return PictureCopier(source, *doc, *attr, out, outCapacity).Copy(outLength);
 }

@@ -3,17 +3,17 @@
 #define LUMIGRAM_CORE_GIF_GIF_WRITER_H_
 
 #include <stdint.h>
-#include <stdio.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/status.h"
 
 namespace lumigram {
 
 // Copies the picture with a new document and blobs to out, at most outCapacity bytes, and stores
-// its length on success. The stream is not put back. A doc length of 0 or less writes no document
+// its length on success. The source is not put back. A doc length of 0 or less writes no document
 // and no new blob.
-Status SetXmlStringToGif(FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         const AttrInfo* attr, uint32_t outCapacity);
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity);
 
 // Appends, at *position, all of the document comment behind its introducer and label, then the new
 // blobs; advances *position.

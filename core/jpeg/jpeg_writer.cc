@@ -1,6 +1,10 @@
 // A JPEG picture with a new document: everything else is copied as it is, up to the end of image.
 #include "core/jpeg/jpeg_writer.h"
 
+#include <string.h>
+
+#include <algorithm>
+
 #include "core/base/output_buffer.h"
 #include "core/document/document_format.h"
 #include "core/jpeg/jpeg_format.h"
@@ -69,13 +73,31 @@ Status CopyComment(Copy& copy, Marker marker) {
   return copy.documentDue ? PutDocument(copy, marker.prefix) : kOk;
 }
 
-// The image data end with the first end of image. It is looked for before anything is copied, so
-// that room is needed for no more than the data.
+// How many bytes there are up to the end of the first end of image; 0 without one.
+size_t FindEndOfImage(std::span<const uint8_t> bytes) {
+  for (size_t at = 0; at + 1 < bytes.size(); ++at) {
+    const void* hit = memchr(bytes.data() + at, kMarkerPrefix, bytes.size() - 1 - at);
+    if (hit == nullptr) return 0;
+    at = static_cast<size_t>(static_cast<const uint8_t*>(hit) - bytes.data());
+    if (bytes[at + 1] == kEndOfImage) return at + 2;
+  }
+  return 0;
+}
+
+// The image data end with the first end of image. They are read straight to where they belong, as
+// far as there is room, and searched there; room is needed for no more than the data.
 Status CopyImageData(Copy& copy) {
-  const uint64_t start = copy.source.Position();
-  if (!copy.source.SkipPast(kMarkerPrefix, kEndOfImage)) return kMalformed;
-  const uint32_t size = static_cast<uint32_t>(copy.source.Position() - start);
-  return copy.source.Back(size) ? Append(copy, {}, size) : kBadStream;
+  ByteSource& source = copy.source;
+  const uint64_t room = copy.capacity - copy.position;
+  const size_t read = static_cast<size_t>(std::min(room, source.Remaining()));
+  const std::span<uint8_t> bytes(copy.out + copy.position, read);
+  if (!source.Read(bytes)) return kMalformed;
+  const size_t size = FindEndOfImage(bytes);
+  copy.position += static_cast<uint32_t>(size);
+  if (size > 0) return source.Back(read - size) ? kOk : kBadStream;
+  const bool isSplit = read > 0 && bytes[read - 1] == kMarkerPrefix;
+  if (isSplit && !source.Back(1)) return kBadStream;
+  return source.SkipPast(kMarkerPrefix, kEndOfImage) ? kNoRoom : kMalformed;
 }
 
 Status CopyScan(Copy& copy, Marker marker) {
@@ -103,12 +125,11 @@ Status CopyPicture(Copy& copy) {
 
 }  // namespace
 
-Status SetXmlStringToJpg(FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         uint32_t outCapacity) {
-  if (stream == nullptr || doc == nullptr || out == nullptr || outLength == nullptr) {
+Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, uint32_t outCapacity) {
+  if (doc == nullptr || out == nullptr || outLength == nullptr) {
     return kBadArgument;
   }
-  ByteSource source(stream);
   if (!source.Measure()) return kBadStream;
   Copy copy{source, *doc, doc->length > 0, out, outCapacity};
   if (Status s = CopyPicture(copy); s != kOk) return s;

@@ -135,10 +135,9 @@ Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
   return kOk;
 }
 
-BlobSizes MeasureBlobsInPng(FILE* stream, const AttrInfo& attr) {
+BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr) {
   BlobSizes sizes;
   KeptNames names(attr);
-  ByteSource source(stream);
   PngHead head;
   if (!source.Measure() || !source.Read(head.bytes)) return sizes;
   ChunkHeader chunk;

@@ -6,6 +6,7 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/status.h"
 #include "core/document/kept_blobs.h"
 
@@ -17,8 +18,8 @@ Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
                        const char* fileName, uint32_t capacity);
 
 // As GetSizeApplicationExtensionFromPng(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the stream is not put back.
-BlobSizes MeasureBlobsInPng(FILE* stream, const AttrInfo& attr);
+// walk. What a walk that fails has counted so far counts; the source is not put back.
+BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram
 

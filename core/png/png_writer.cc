@@ -127,12 +127,11 @@ Status CopyPicture(Copy& copy) {
 
 }  // namespace
 
-Status SetXmlStringToPng(FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         const AttrInfo* attr, uint32_t outCapacity) {
-  if (stream == nullptr || doc == nullptr || out == nullptr || outLength == nullptr) {
+Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity) {
+  if (doc == nullptr || out == nullptr || outLength == nullptr) {
     return kBadArgument;
   }
-  ByteSource source(stream);
   if (!source.Measure()) return kBadStream;
   Copy copy{source, *doc, attr, doc->length > 0, out, outCapacity};
   if (Status s = CopyPicture(copy); s != kOk) return s;

@@ -3,17 +3,17 @@
 #define LUMIGRAM_CORE_PNG_PNG_WRITER_H_
 
 #include <stdint.h>
-#include <stdio.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/status.h"
 
 namespace lumigram {
 
 // Copies the picture with a new document and blobs to out, at most outCapacity bytes, and stores
-// its length on success. The stream is not put back. A doc length of 0 or less writes no document
+// its length on success. The source is not put back. A doc length of 0 or less writes no document
 // and no new blob.
-Status SetXmlStringToPng(FILE* stream, const XmlStringInfo* doc, uint8_t* out, uint32_t* outLength,
-                         const AttrInfo* attr, uint32_t outCapacity);
+Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
+                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity);
 
 // Appends, at *position, the document chunk and one chunk for each new blob; advances *position.
 Status SetMetadataChunksToPng(const XmlStringInfo* doc, uint32_t* position, uint8_t* out,

@@ -49,8 +49,8 @@ Status AddNewBlob(const AppExtEntry& entry, Sizes* sizes) {
 using BlobMeasure = decltype(&MeasureBlobsInGif);
 
 // A walk that fails stops counting, and the writer will find the same fault.
-Status AddBlobs(FILE* stream, BlobMeasure measure, const AttrInfo& attr, Sizes* sizes) {
-  const BlobSizes blobs = measure(stream, attr);
+Status AddBlobs(ByteSource& source, BlobMeasure measure, const AttrInfo& attr, Sizes* sizes) {
+  const BlobSizes blobs = measure(source, attr);
   sizes->estimate += static_cast<int64_t>(blobs.kept) - static_cast<int64_t>(blobs.all);
   for (const AppExtEntry& entry : attr.appExt) {
     if (!IsNew(entry)) continue;
@@ -59,52 +59,53 @@ Status AddBlobs(FILE* stream, BlobMeasure measure, const AttrInfo& attr, Sizes* 
   return kOk;
 }
 
-Status MeasurePicture(FILE* stream, FileType fileType, const XmlStringInfo& document,
+Status MeasurePicture(ByteSource& source, FileType fileType, const XmlStringInfo& document,
                       const AttrInfo& attr, Sizes* sizes) {
-  const int32_t length = GetFileLength(stream);
-  if (length <= 0) return kBadStream;
+  const uint64_t length = source.Remaining();
   const uint64_t documentSize = static_cast<uint64_t>(std::max(document.length, 0));
-  sizes->estimate = length;
-  sizes->bound = static_cast<uint64_t>(length) + InSubBlocks(documentSize) + kDocumentOverhead;
+  sizes->estimate = static_cast<int64_t>(length);
+  sizes->bound = length + InSubBlocks(documentSize) + kDocumentOverhead;
   switch (fileType) {
     case kFileTypeGif:
-      return AddBlobs(stream, MeasureBlobsInGif, attr, sizes);
+      return AddBlobs(source, MeasureBlobsInGif, attr, sizes);
     case kFileTypePng:
-      return AddBlobs(stream, MeasureBlobsInPng, attr, sizes);
+      return AddBlobs(source, MeasureBlobsInPng, attr, sizes);
     default:
       return kOk;
   }
 }
 
-Status RunWriter(FILE* stream, FileType fileType, const XmlStringInfo& document,
+Status RunWriter(ByteSource& source, FileType fileType, const XmlStringInfo& document,
                  const AttrInfo& attr, uint32_t capacity, NewPicture* picture) {
   uint8_t* const out = picture->bytes.get();
   uint32_t* const length = &picture->length;
-  if (fseek(stream, 0, SEEK_SET) != 0) return kBadStream;
   switch (fileType) {
     case kFileTypeGif:
-      return SetXmlStringToGif(stream, &document, out, length, &attr, capacity);
+      return SetXmlStringToGif(source, &document, out, length, &attr, capacity);
     case kFileTypePng:
-      return SetXmlStringToPng(stream, &document, out, length, &attr, capacity);
+      return SetXmlStringToPng(source, &document, out, length, &attr, capacity);
     default:
-      return SetXmlStringToJpg(stream, &document, out, length, capacity);
+      return SetXmlStringToJpg(source, &document, out, length, capacity);
   }
 }
 
 }  // namespace
 
-Status BuildPicture(FILE* stream, FileType fileType, const XmlStringInfo& document,
+Status BuildPicture(ByteSource& source, FileType fileType, const XmlStringInfo& document,
                     const AttrInfo& attr, NewPicture* picture) {
   if (fileType < kFileTypeGif || fileType > kFileTypePng) return kBadArgument;
+  if (!source.Measure() || !source.Back(source.Position()) || source.Remaining() == 0)
+    return kBadStream;
   Sizes sizes;
-  if (Status s = MeasurePicture(stream, fileType, document, attr, &sizes); s != kOk) return s;
+  if (Status s = MeasurePicture(source, fileType, document, attr, &sizes); s != kOk) return s;
   // Below zero: the source claims more blobs than it can hold.
   if (sizes.estimate < 0 || sizes.estimate > kMaxEstimate) return kNoRoom;
   const uint32_t capacity = static_cast<uint32_t>(std::min(sizes.bound, kMaxCapacity));
   picture->bytes.reset(static_cast<uint8_t*>(malloc(capacity)));
   picture->length = 0;
   if (picture->bytes == nullptr) return kNoRoom;
-  if (Status s = RunWriter(stream, fileType, document, attr, capacity, picture); s != kOk) return s;
+  if (!source.Back(source.Position())) return kBadStream;
+  if (Status s = RunWriter(source, fileType, document, attr, capacity, picture); s != kOk) return s;
   return picture->length > kLumigramMaxPictureBytes ? kPictureTooLarge : kOk;
 }
 

@@ -3,8 +3,8 @@
 #define LUMIGRAM_CORE_WRITE_BUILD_PICTURE_H_
 
 #include <stdint.h>
-#include <stdio.h>
 
+#include "core/base/byte_source.h"
 #include "core/base/scoped.h"
 #include "core/base/status.h"
 
@@ -17,8 +17,8 @@ struct NewPicture {
 
 // Builds the new picture from the source, whatever its position, the document and the record's
 // blobs. Knows no target. A document of length 0 removes document and, but for those that the
-// record keeps, blobs. The stream's position is unspecified afterwards.
-Status BuildPicture(FILE* stream, FileType fileType, const XmlStringInfo& document,
+// record keeps, blobs. The source is not put back.
+Status BuildPicture(ByteSource& source, FileType fileType, const XmlStringInfo& document,
                     const AttrInfo& attr, NewPicture* picture);
 
 }  // namespace lumigram

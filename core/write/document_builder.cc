@@ -40,7 +40,6 @@ Status DocumentBuilder::AddElement(std::string_view startTag, std::string_view c
 }
 
 Status DocumentBuilder::AddTagGroup(std::string_view name, std::string_view content) {
-  if (name.empty()) return kOk;
   Format({kTagsStart, name, kAttributeEnd, content, kTagsEnd});
   return AppendFormatted();
 }
@@ -81,6 +80,7 @@ Status BuildDocument(const AttrInfo& attr, XmlStringInfo* document) {
     return s;
   if (Status s = builder.AddElement(kTypeStart, TextOf(attr.type), kTypeEnd); s != kOk) return s;
   for (const TagEntry& tag : attr.tag) {
+    if (tag.tagName[0] == '\0') continue;
     if (Status s = builder.AddTagGroup(TextOf(tag.tagName), TextOf(tag.tagElement)); s != kOk)
       return s;
   }

@@ -222,6 +222,9 @@ FakeJni::FakeJni() {
   table_.SetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i, jobject value) {
     if (!vm->Fails("SetObjectArrayElement")) vm->At(array)->elements.at(size_t(i)) = vm->At(value);
   };
+  table_.GetStringUTFLength = [](JNIEnv*, jstring string) -> jsize {
+    return jsize(vm->Enter().At(string)->text.size());
+  };
   table_.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
     if (vm->Fails("GetStringUTFChars")) return nullptr;
     const std::string& text = vm->At(string)->text;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "lumigram.h"
+#include "core/base/byte_source.h"
 #include "tests/support/bytes.h"
 #include "tests/support/documents.h"
 
@@ -34,18 +35,18 @@ void CheckWriter(Writer write, const Bytes& picture, std::string_view text, int3
     const ScopedFile stream = Stream(picture, opened);
     Bytes out(status == 0 ? want.size() : picture.size() + 20000);
     uint32_t length = 7, room = uint32_t(out.size());
-    EXPECT_EQ(write(nullptr, &doc, out.data(), &length, room), -99);
-    EXPECT_EQ(write(stream.get(), nullptr, out.data(), &length, room), -99);
-    EXPECT_EQ(write(stream.get(), &doc, nullptr, &length, room), -99);
-    EXPECT_EQ(write(stream.get(), &doc, out.data(), nullptr, room), -99);
-    EXPECT_EQ(write(stream.get(), &doc, out.data(), &length, room), status);
+    ByteSource source(stream.get());
+    EXPECT_EQ(write(source, nullptr, out.data(), &length, room), -99);
+    EXPECT_EQ(write(source, &doc, nullptr, &length, room), -99);
+    EXPECT_EQ(write(source, &doc, out.data(), nullptr, room), -99);
+    EXPECT_EQ(write(source, &doc, out.data(), &length, room), status);
     EXPECT_EQ(length, status == 0 ? room : 7);
     EXPECT_TRUE(status != 0 || out == want);
     while (status == 0 && room > 0) {
       room -= 1 + std::min(room - 1, uint32_t(want.size()) / 200);
       out.assign(room + 8, 0);
-      rewind(stream.get());
-      EXPECT_EQ(write(stream.get(), &doc, out.data(), &length, room), -99);
+      ASSERT_TRUE(source.Rewind());
+      EXPECT_EQ(write(source, &doc, out.data(), &length, room), -99);
       EXPECT_EQ(Bytes(out.end() - 8, out.end()), Bytes(8)) << "written over its end";
     }
   }
