@@ -17,11 +17,6 @@ using namespace lumigram::test;
 
 constexpr int kPicturesOfASet = 300;
 
-constexpr char kDocument[] =
-    "<emoji><label><name>smile</name><note>happy</note><part>名詞</part></label><label><name>wink</"
-    "name></label>"
-    "<category>face</category><type>anime</type><tags name=\"color\">yellow</tags></emoji>";
-
 using Random = std::mt19937;
 
 // Sizes around a median, a quarter of it to four times.
@@ -37,10 +32,9 @@ Bytes Pixels(size_t size, Random& random) {
   return bytes;
 }
 
-Bytes Gif(std::string_view document, Random& random) {
+Bytes Gif(Random& random) {
   Bytes picture = GifScreen(64, 64, "GIF89a", 0xF4);  // 32 colours
   picture.resize(13 + 96);
-  if (!document.empty()) picture += GifComment(document);
   const int frames = 1 + static_cast<int>(random() % 3);
   for (int i = 0; i < frames; ++i) {
     picture += Bytes{0x21, 0xF9, 4, 4, 10, 0, 0, 0};
@@ -50,19 +44,16 @@ Bytes Gif(std::string_view document, Random& random) {
   return picture + kGifEnd;
 }
 
-Bytes Png(std::string_view document, Random& random) {
-  Bytes picture =
-      PngStart(64, 64) + PngChunk("gAMA", Be32(45455)) + PngChunk("PLTE", Pixels(96, random));
-  if (!document.empty()) picture += PngDocument(document);
-  return picture + PngChunk("IDAT", Pixels(SizeAround(1500, random), random)) + kPngEnd;
+Bytes Png(Random& random) {
+  return PngStart(64, 64) + PngChunk("gAMA", Be32(45455)) + PngChunk("PLTE", Pixels(96, random)) +
+         PngChunk("IDAT", Pixels(SizeAround(1500, random), random)) + kPngEnd;
 }
 
-Bytes Jpeg(std::string_view document, Random& random) {
+Bytes Jpeg(Random& random) {
   Bytes picture = kJpegStart + JpegSegment(0xE0, Pixels(14, random));
   for (int i = 0; i < 2; ++i) picture += JpegSegment(0xDB, Pixels(65, random));
   picture += JpegFrame(64, 64);
   for (size_t size : {29, 179, 29, 179}) picture += JpegSegment(0xC4, Pixels(size, random));
-  if (!document.empty()) picture += JpegComment(document);
   return picture + JpegSegment(0xDA, Pixels(10, random)) +
          Pixels(SizeAround(14000, random), random) + kJpegEnd;
 }
@@ -70,7 +61,7 @@ Bytes Jpeg(std::string_view document, Random& random) {
 struct Kind {
   const char* extension;
   FileType type;
-  Bytes (*build)(std::string_view, Random&);
+  Bytes (*build)(Random&);
 };
 
 constexpr Kind kKinds[] = {
@@ -96,35 +87,63 @@ bool IsReadable(const std::string& path, FileType* type) {
 
 std::vector<PictureSet> PicturesOf(const std::string& folder) {
   std::vector<PictureSet> sets;
-  for (const Kind& kind : kKinds) sets.push_back({kind.extension, kind.type, {}});
+  for (const Kind& kind : kKinds) sets.push_back({kind.extension, {}});
   const auto options = std::filesystem::directory_options::skip_permission_denied;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, options)) {
     FileType type;
     if (!entry.is_regular_file() || !IsReadable(entry.path().string(), &type)) continue;
-    for (PictureSet& set : sets) {
-      if (set.type == type) set.paths.push_back(entry.path().string());
+    for (size_t k = 0; k < std::size(kKinds); ++k) {
+      if (kKinds[k].type == type) sets[k].paths.push_back(entry.path().string());
     }
   }
   std::erase_if(sets, [](const PictureSet& set) { return set.paths.empty(); });
   return sets;
 }
 
-std::vector<PictureSet> BuildPictures(const std::string& folder) {
-  std::vector<PictureSet> sets;
+void BuildPictures(const std::string& folder) {
   Random random(1);
   for (const Kind& kind : kKinds) {
-    for (const bool tagged : {false, true}) {
-      PictureSet set{std::string(kind.extension) + (tagged ? ", tagged" : ""), kind.type, {}};
-      for (int i = 0; i < kPicturesOfASet; ++i) {
-        const std::string name =
-            (tagged ? "tagged" : "plain") + std::to_string(i) + "." + kind.extension;
-        set.paths.push_back(folder + "/" + name);
-        Write(set.paths.back(), kind.build(tagged ? kDocument : "", random));
-      }
-      sets.push_back(set);
-    }
+    for (int i = 0; i < kPicturesOfASet; ++i)
+      Write(folder + "/" + std::to_string(i) + "." + kind.extension, kind.build(random));
+  }
+}
+
+std::vector<PictureSet> BuildPicturesOfSize(const std::string& folder, size_t size) {
+  Random random(2);
+  // What the rest of the pictures takes, and of GIF data the size bytes.
+  const size_t room = size - 200 - size / 255;
+  const Bytes pixels = Pixels(room, random);
+  const Bytes head = kJpegStart + JpegFrame(64, 64) + JpegSegment(0xDA, Pixels(10, random));
+  const Bytes image = Bytes{0x2C, 0, 0, 0, 0, 64, 0, 64, 0, 0, 5};
+  const struct {
+    const char* name;
+    const char* extension;
+    Bytes bytes;
+  } pictures[] = {
+      {"gif", ".gif", GifScreen(64, 64, "GIF89a", 0) + image + GifChain(pixels) + kGifEnd},
+      {"jpg", ".jpg", head + pixels + kJpegEnd},
+      {"jpg, searched", ".jpg", head + pixels + kJpegEnd + Bytes{0}},
+      {"png", ".png", PngStart(64, 64) + PngChunk("IDAT", pixels) + kPngEnd}};
+  std::vector<PictureSet> sets;
+  for (const auto& picture : pictures) {
+    const std::string name = std::to_string(size) + "-" + std::to_string(sets.size());
+    sets.push_back({picture.name, {folder + "/" + name + picture.extension}});
+    Write(sets.back().paths[0], picture.bytes);
   }
   return sets;
+}
+
+void FillEntries(AttrInfo* record, int count, const std::string& folder) {
+  for (int i = 0; i < count; ++i) {
+    const std::string name = "blob" + std::to_string(i), path = folder + "/" + name;
+    strcpy(record->tag[i].tagName, ("tag" + std::to_string(i % 10)).c_str());
+    strcpy(record->tag[i].tagElement, "content");
+    if (folder.empty()) continue;
+    Write(path, Bytes(64, 7));
+    strcpy(record->appExt[i].labelName, "EMJ");
+    strcpy(record->appExt[i].fileName, name.c_str());
+    strcpy(record->appExt[i].binaryDataUri, path.c_str());
+  }
 }
 
 void FillRecord(AttrInfo* record) {

@@ -9,20 +9,27 @@
 
 namespace lumigram::bench {
 
-// The paths of the pictures of one type, each of which could be read when they were listed. All in
-// the page cache.
+// The paths of pictures of one kind, named by its extension, each of which could be read when they
+// were listed. All are in the page cache.
 struct PictureSet {
   std::string name;
-  FileType type;
   std::vector<std::string> paths;
 };
 
-// The readable pictures of a folder and those below it, a set for each type that it has.
+// The readable pictures of a folder and those below it, a set for each kind that it has.
 std::vector<PictureSet> PicturesOf(const std::string& folder);
 
-// Builds pictures of every type in the folder, with and without a document. Their sizes are those
-// of small emoji: about 1.2 KB for GIF, 1.7 KB for PNG and 15 KB for JPEG in the median.
-std::vector<PictureSet> BuildPictures(const std::string& folder);
+// Builds pictures of every kind in the folder, without a document. Their sizes are those of small
+// emoji: about 1.2 KB for GIF, 1.7 KB for PNG and 15 KB for JPEG in the median.
+void BuildPictures(const std::string& folder);
+
+// One picture of every kind with about so many bytes, the limit's at most: image data that have to
+// be walked (GIF), skipped (PNG), or end the file (JPEG), and a JPEG in which their end has to be
+// searched.
+std::vector<PictureSet> BuildPicturesOfSize(const std::string& folder, size_t size);
+
+// So many tags; with a folder, so many blobs of 64 bytes, whose files are written there.
+void FillEntries(AttrInfo* record, int count, const std::string& folder);
 
 // Two labels, category, type and a tag: what a tagged picture carries.
 void FillRecord(AttrInfo* record);

@@ -83,7 +83,7 @@ size_t ByteSource::ReadAhead(size_t size) {
   return got;
 }
 
-bool ByteSource::Read(std::span<uint8_t> out) {
+bool ByteSource::ReadMore(std::span<uint8_t> out) {
   if (measured_ && out.size() > Remaining()) return false;
   if (descriptor_ >= 0) return ReadFile(out);
   return ReadStream(out);
@@ -95,33 +95,42 @@ bool ByteSource::ReadStream(std::span<uint8_t> out) {
   return got == out.size();
 }
 
+// Up to room.size() bytes; 0 at the end of the file, or when it cannot be read.
+size_t ByteSource::ReadAt(uint64_t position, std::span<uint8_t> room) {
+  for (;;) {
+    const ssize_t got = pread(descriptor_, room.data(), room.size(), static_cast<off_t>(position));
+    if (got >= 0) return static_cast<size_t>(got);
+    if (errno != EINTR) return 0;
+  }
+}
+
+bool ByteSource::Refill() {
+  const uint64_t position = Position();
+  const bool isNear = filled_ > 0 || end_ <= kBlockSize;
+  const uint64_t got = ReadAt(position, {block_, isNear ? kBlockSize : kPieceSize});
+  blockStart_ = position;
+  next_ = 0;
+  // Of a file that has grown, only what was measured counts.
+  filled_ = static_cast<uint32_t>(std::min(got, end_ - position));
+  return filled_ > 0;
+}
+
 // Large reads go straight to where they belong, small ones through the block.
 bool ByteSource::ReadFile(std::span<uint8_t> out) {
   while (!out.empty()) {
-    if (next_ == filled_) {
-      const bool direct = out.size() >= kPieceSize;
-      uint8_t* const to = direct ? out.data() : block_;
-      const size_t room = direct ? out.size() : end_ <= kBlockSize ? kBlockSize : kPieceSize;
-      const uint64_t position = Position();
-      const ssize_t got = pread(descriptor_, to, room, static_cast<off_t>(position));
-      if (got < 0 && errno == EINTR) continue;
-      if (got <= 0) return false;
+    size_t taken = filled_ - next_;
+    if (taken == 0 && out.size() >= kPieceSize) {
+      taken = ReadAt(Position(), out);
+      blockStart_ = Position() + taken;
       next_ = filled_ = 0;
-      blockStart_ = position;
-      if (direct) {
-        blockStart_ += static_cast<uint64_t>(got);
-        out = out.subspan(static_cast<size_t>(got));
-        continue;
-      }
-      // Of a file that has grown, only what was measured counts.
-      const uint64_t left = end_ - position;
-      filled_ = static_cast<uint64_t>(got) < left ? static_cast<uint32_t>(got)
-                                                  : static_cast<uint32_t>(left);
+      if (taken == 0) return false;
+    } else {
+      if (taken == 0 && !Refill()) return false;
+      taken = std::min<size_t>(filled_ - next_, out.size());
+      memcpy(out.data(), block_ + next_, taken);
+      next_ += static_cast<uint32_t>(taken);
     }
-    const size_t here = filled_ - next_ < out.size() ? filled_ - next_ : out.size();
-    memcpy(out.data(), block_ + next_, here);
-    next_ += static_cast<uint32_t>(here);
-    out = out.subspan(here);
+    out = out.subspan(taken);
   }
   return true;
 }

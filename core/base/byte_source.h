@@ -5,6 +5,7 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include <algorithm>
 #include <span>
 #include <string_view>
 
@@ -43,7 +44,12 @@ class ByteSource {
   [[nodiscard]] bool Measure();
 
   // Reads exactly out.size() bytes; false on a short read.
-  [[nodiscard]] bool Read(std::span<uint8_t> out);
+  [[nodiscard]] bool Read(std::span<uint8_t> out) {
+    if (out.size() > filled_ - next_) return ReadMore(out);
+    std::copy_n(block_ + next_, out.size(), out.begin());
+    next_ += static_cast<uint32_t>(out.size());
+    return true;
+  }
   [[nodiscard]] bool ReadByte(uint8_t* out) {
     if (next_ < filled_) {
       *out = block_[next_++];
@@ -78,13 +84,18 @@ class ByteSource {
   uint64_t Remaining() const { return measured_ ? end_ - Position() : 0; }
 
  private:
-  static constexpr uint32_t kBlockSize = 16384;  // a file up to this size is read at once,
-  static constexpr uint32_t kPieceSize = 4096;   // a larger one in pieces: most of it is skipped
+  // A file of up to a block is read at once. Of a larger one, of which most is skipped, a piece is
+  // read, and blocks only when the walk comes to its end.
+  static constexpr uint32_t kBlockSize = 16384;
+  static constexpr uint32_t kPieceSize = 4096;
 
   size_t ReadAhead(size_t size);
+  bool ReadMore(std::span<uint8_t> out);
   bool MoveTo(uint64_t position);
   bool ReadStream(std::span<uint8_t> out);
   bool ReadFile(std::span<uint8_t> out);
+  size_t ReadAt(uint64_t position, std::span<uint8_t> room);
+  bool Refill();
 
   FILE* const stream_;   // null: a file without a stream
   int descriptor_ = -1;  // of a regular file that is read ahead; -1: read through stdio

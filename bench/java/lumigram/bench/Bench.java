@@ -26,7 +26,6 @@ import lumigram.jni.LumigramJni;
  */
 public final class Bench {
     private static final String[] KINDS = {"gif", "png", "jpg"};
-    private static final byte[] BUFFER = new byte[8192];
 
     private Bench() {}
 
@@ -75,9 +74,10 @@ public final class Bench {
     }
 
     private static void readWhole(String[] paths) throws IOException {
+        byte[] buffer = new byte[8192];
         for (String path : paths) {
             try (FileInputStream in = new FileInputStream(path)) {
-                while (in.read(BUFFER) > 0) {
+                while (in.read(buffer) > 0) {
                     // Until the end.
                 }
             }
@@ -107,36 +107,55 @@ public final class Bench {
             () -> readBatches(whole, infos, size), () -> readWhole(whole));
     }
 
-    /** Each thread has a half of the pictures: how many more a second do both read than one that is alone? */
+    private interface Task {
+        Work on(String[] share);
+    }
+
+    /**
+     * Each thread has a half of the pictures: how many more a second do both read than one that is alone? Beside it, the
+     * same of reading the files whole: what the machine and its kernel leave of two cores.
+     */
     private static void measureThreads(String row, String[] paths) throws InterruptedException {
+        Task ours = share -> {
+            Object[] infos = infos(share.length);
+            return () -> readBatches(share, infos, share.length);
+        };
         int half = paths.length / 2;
         List<String[]> halves = List.of(Arrays.copyOf(paths, half), Arrays.copyOfRange(paths, half, 2 * half));
         double[] gains = new double[61];
+        double[] wholes = new double[61];
         for (int round = -20; round < gains.length; ++round) {
-            double alone = readAtOnce(halves.subList(round & 1, (round & 1) + 1));
-            double both = readAtOnce(halves);
+            double gain = gain(halves, ours);
+            double whole = gain(halves, share -> () -> readWhole(share));
             if (round >= 0) {
-                gains[round] = 2 * alone / both;
+                gains[round] = gain;
+                wholes[round] = whole;
             }
         }
-        System.out.printf("%-44s %.2f times the pictures of one%n", row + ", two threads", median(gains));
+        System.out.printf("%-44s %.2f times the pictures of one; reading whole: %.2f%n",
+            row + ", two threads", median(gains), median(wholes));
     }
 
-    private static double readAtOnce(List<String[]> shares) throws InterruptedException {
+    private static double gain(List<String[]> halves, Task task) throws InterruptedException {
+        double alone = readAtOnce(halves.subList(0, 1), task);
+        return 2 * alone / readAtOnce(halves, task);
+    }
+
+    private static double readAtOnce(List<String[]> shares, Task task) throws InterruptedException {
         CountDownLatch ready = new CountDownLatch(shares.size());
         CountDownLatch go = new CountDownLatch(1);
         List<Thread> threads = new ArrayList<>();
-        for (String[] paths : shares) {
-            Object[] infos = infos(paths.length);
+        for (String[] share : shares) {
+            Work work = task.on(share);
             threads.add(new Thread(() -> {
                 ready.countDown();
                 try {
                     go.await();
-                } catch (InterruptedException e) {
-                    return;
-                }
-                for (int i = 0; i < 40; ++i) {
-                    readBatches(paths, infos, paths.length);
+                    for (int i = 0; i < 40; ++i) {
+                        work.run();
+                    }
+                } catch (InterruptedException | IOException e) {
+                    throw new IllegalStateException(e);
                 }
             }));
         }

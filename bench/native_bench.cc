@@ -1,0 +1,164 @@
+// What the exported functions cost. Usage: native_bench [benchmark options] [FOLDER...]
+//
+//   read/...         each kind in each folder: "ratio" is to the least that any program does with a
+//                    picture: open, fstat, read whole, close
+//   read N KiB/...   how that grows with the picture: "ns_per_byte", and the ratio
+//   entries/...      how reading and writing grow with tags and blobs: "ns_per_entry"
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "bench/paired.h"
+#include "bench/pictures.h"
+
+namespace lumigram::bench {
+namespace {
+
+void Require(bool holds) {
+  if (!holds) abort();
+}
+
+void ReadWhole(const std::string& path) {
+  static char contents[kLumigramMaxPictureBytes];
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  struct stat status;
+  Require(fd >= 0 && fstat(fd, &status) == 0);
+  Require(read(fd, contents, static_cast<size_t>(status.st_size)) == status.st_size);
+  close(fd);
+}
+
+char document[kLumigramDocumentBufferBytes];
+
+void ReadDocument(const std::string& path) {
+  memset(document, 0, strlen(document));
+  FILE* stream = nullptr;
+  FileType type = 0;
+  int32_t height = 0, width = 0, pop = 0;
+  Require(OpenFile(path.c_str(), 0, &stream, &type) == kLumigramOk);
+  uint32_t* const unsignedHeight = reinterpret_cast<uint32_t*>(&height);
+  uint32_t* const unsignedWidth = reinterpret_cast<uint32_t*>(&width);
+  const int32_t status = type == kFileTypeGif
+                             ? GetXmlStringFromGif(stream, document, &height, &width, &pop)
+                         : type == kFileTypeJpeg
+                             ? GetXmlStringFromJpg(stream, document, unsignedHeight, unsignedWidth)
+                             : GetXmlStringFromPng(stream, document, unsignedHeight, unsignedWidth);
+  Require(status == kLumigramOk);
+  fclose(stream);
+}
+
+void ReadTags(const std::string& path) {
+  static TagCollection tags;
+  memset(&tags, 0, sizeof(tags));
+  ReadDocument(path);
+  CollectTagGroups(document, &tags);
+}
+
+void Write(const std::string& path, const AttrInfo& record) {
+  FILE* stream = nullptr;
+  FileType type = 0;
+  Require(OpenFile(path.c_str(), 0, &stream, &type) == kLumigramOk);
+  Require(SetXmlStringToFile(stream, path.c_str(), &record, type) == kLumigramOk);
+  fclose(stream);
+}
+
+void Register(const std::string& name, std::function<void(benchmark::State&)> run) {
+  benchmark::RegisterBenchmark(name.c_str(), run)
+      ->UseManualTime()
+      ->Unit(benchmark::kMicrosecond)
+      ->MinTime(0.5);
+}
+
+void RegisterFolder(const std::string& folder) {
+  for (const PictureSet& set : PicturesOf(folder)) {
+    Register("read/" + std::filesystem::path(folder).filename().string() + "/" + set.name,
+             [set](benchmark::State& state) {
+               MeasurePaired(state, set.paths, ReadDocument, ReadWhole);
+             });
+  }
+}
+
+void RegisterSizes(const std::string& folder) {
+  for (size_t size = 2048; size <= kLumigramMaxPictureBytes; size *= 4) {
+    for (const PictureSet& set : BuildPicturesOfSize(folder, size)) {
+      Register("read " + std::to_string(size / 1024) + " KiB/" + set.name,
+               [set, size](benchmark::State& state) {
+                 MeasurePaired(state, set.paths, ReadDocument, ReadWhole);
+                 state.counters["ns_per_byte"] =
+                     state.counters["us"] * 1e3 / static_cast<double>(size);
+               });
+    }
+  }
+}
+
+// The first run writes; what is then measured is the same record over itself.
+void RegisterEntries(const std::string& folder) {
+  const PictureSet set = BuildPicturesOfSize(folder, 2048).back();
+  for (const int count : {1, 5, 20, 50, 100}) {
+    const auto measure = [set, count](benchmark::State& state, const AttrInfo& record, auto work) {
+      for (const std::string& path : set.paths) Write(path, record);
+      MeasurePaired(state, set.paths, work, ReadWhole);
+      state.counters["ns_per_entry"] = state.counters["us"] * 1e3 / count;
+    };
+    const std::string of = " of " + std::to_string(count);
+    const auto tags = std::make_shared<AttrInfo>(), blobs = std::make_shared<AttrInfo>();
+    FillEntries(tags.get(), count, "");
+    FillEntries(blobs.get(), count, folder);
+    Register("entries/read tags" + of,
+             [=](benchmark::State& state) { measure(state, *tags, ReadTags); });
+    for (const auto& [name, record] :
+         {std::pair("entries/write tags", tags), std::pair("entries/write blobs", blobs)}) {
+      Register(name + of, [=](benchmark::State& state) {
+        measure(state, *record, [&](const std::string& path) { Write(path, *record); });
+      });
+    }
+  }
+}
+
+// A second thread makes stdio take its locks, as it does in a Java virtual machine.
+class IdleThread {
+ public:
+  IdleThread()
+      : thread_([this] {
+          std::unique_lock lock(mutex_);
+          end_.wait(lock, [this] { return ended_; });
+        }) {}
+  ~IdleThread() {
+    {
+      std::lock_guard lock(mutex_);
+      ended_ = true;
+    }
+    end_.notify_all();
+    thread_.join();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable end_;
+  bool ended_ = false;
+  std::thread thread_;
+};
+
+}  // namespace
+}  // namespace lumigram::bench
+
+int main(int argc, char** argv) {
+  using namespace lumigram::bench;
+  namespace fs = std::filesystem;
+  benchmark::Initialize(&argc, argv);
+  const fs::path built = fs::temp_directory_path() / ("lumigram-bench-" + std::to_string(getpid()));
+  fs::create_directory(built);
+  for (int i = 1; i < argc; ++i) RegisterFolder(argv[i]);
+  RegisterSizes(built.string());
+  RegisterEntries(built.string());
+  const IdleThread idle;
+  benchmark::RunSpecifiedBenchmarks();
+  fs::remove_all(built);
+}
