@@ -85,6 +85,7 @@ int32_t Write(const Bytes& picture, FileType type, const XmlStringInfo& document
   uint32_t length = 0;
   const ScopedFile stream = test::Stream(picture);
   ByteSource source(stream.get());
+  Require(source.Measure(), "files can be measured");
   const int32_t status =
       type == kFileTypeGif    ? SetXmlStringToGif(source, &document, bytes, &length, &attr, room)
       : type == kFileTypeJpeg ? SetXmlStringToJpg(source, &document, bytes, &length, room)

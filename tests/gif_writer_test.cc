@@ -103,6 +103,7 @@ TEST(GifWriter, Damage) {
   uint32_t n;
   const ScopedFile stream = Stream(start);
   ByteSource source(stream.get());
+  ASSERT_TRUE(source.Measure());
   EXPECT_EQ(SetXmlStringToGif(source, &none, &out, &n, nullptr, 1), -99);
 }
 

@@ -119,6 +119,7 @@ TEST(PngDocument, Limits) {
   uint32_t n = 7;
   const ScopedFile stream = Stream(noSignature);
   ByteSource source(stream.get());
+  ASSERT_TRUE(source.Measure());
   EXPECT_EQ(SetXmlStringToPng(source, &none, out, &n, nullptr, 99), -30);
   EXPECT_EQ(SetChunkCrc(4, &n, out, 99), -99) << "more than there is";
 }

@@ -172,6 +172,17 @@ TEST(ReplaceFile, EachCallFailing) {
   }
 }
 
+// Paths that are too long themselves, or for the name of a file beside the picture.
+TEST(ReplaceFile, LongPaths) {
+  const Scene scene;
+  for (const size_t size : {4085u, 4096u, 5000u}) {
+    std::string folder = scene.Path("");
+    while (folder.size() + 5 < size) folder += "./";
+    EXPECT_EQ(ReplaceFile((folder + "p.png").c_str(), kLonger), kCannotWrite);
+  }
+  EXPECT_EQ(ReadWhole(scene.Path()), kOld);
+}
+
 // Which failures lead to writing in place, and which are failures.
 TEST(ReplaceFile, RefusedOrFailed) {
   const std::vector<int> refusals = {EACCES, EPERM, EROFS, EBUSY, EXDEV};

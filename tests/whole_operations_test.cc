@@ -16,7 +16,20 @@
 namespace lumigram::test {
 namespace {
 
-// Writes the record, or reads the category; in blocks or through stdio.
+// Measures and copies a blob. A JPEG has none.
+int32_t CopyBlob(FILE* stream, FileType type) {
+  if (type == kFileTypeJpeg) return 0;
+  const bool isGif = type == kFileTypeGif;
+  uint32_t size = 0, length = 0;
+  uint8_t data[100];
+  const int32_t status = (isGif ? GetSizeApplicationExtensionFromGif
+                                : GetSizeApplicationExtensionFromPng)(stream, &size, "b");
+  if (status != 0) return status;
+  return (isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng)(
+      stream, data, &length, "EMJ", "b");
+}
+
+// Writes the record, or reads the category and a blob; in blocks or through stdio.
 int32_t Operate(const std::string& path, const AttrInfo* record, std::string* category,
                 bool throughStdio = false) {
   FILE* stream = nullptr;
@@ -30,15 +43,19 @@ int32_t Operate(const std::string& path, const AttrInfo* record, std::string* ca
   if (int32_t s = GetXmlString(stream, type, document, &height, &width, &pop); s != 0) return s;
   (void)GetElementContent(document, "<category>", "</category>", content);
   *category = content;
-  return 0;
+  rewind(stream);
+  return CopyBlob(stream, type);
 }
 
 constexpr char kDocument[] = "<emoji><category>old</category></emoji>";
 const std::pair<const char*, Bytes> kPictures[] = {
-    {".gif", GifScreen() + GifBlob("EMJ", "b", {1}) + GifComment(kDocument) + GifImage() + kGifEnd},
-    {".jpg", kJpegStart + JpegFrame() + JpegComment(kDocument) + kJpegScan + kJpegEnd},
-    {".png",
-     PngStart() + PngBlob("EMJ00000000", "b", {1}) + PngDocument(kDocument) + kPngImage + kPngEnd}};
+    {".gif", GifScreen() + GifComment(kDocument) + GifImage() + GifApplication("EMJ-like", {0}) +
+                 GifBlob("EMJ", "other", {1}) + GifBlob("EMJ", "b", {1}) + kGifEnd},
+    {".jpg", kJpegStart + JpegFrame() + JpegComment("longer than a root") + JpegComment(kDocument) +
+                 kJpegScan + kJpegEnd + kJpegEnd},
+    {".png", PngStart() + PngChunk("tEXt", Text("other text")) + PngDocument(kDocument) +
+                 PngBlob("EMJ00000000", "other", {1}) + PngBlob("EMJ00000000", "b", {1}) +
+                 kPngImage + kPngEnd}};
 
 TEST(WholeOperations, EachCallFailingOnceOrFromThenOn) {
   const TempFolder folder;
@@ -69,7 +86,7 @@ TEST(WholeOperations, EachCallFailingOnceOrFromThenOn) {
       EXPECT_TRUE(status == 0 || left == 8);
       EXPECT_EQ(ReadWhole(path) != picture, writes && status == 0);
       EXPECT_TRUE(status != 0 || !writes || Operate(path, nullptr, &category) == 0);
-      EXPECT_EQ(category, status != 0 ? "" : writes ? "new" : "old");
+      EXPECT_TRUE(status != 0 || category == (writes ? "new" : "old")) << category;
       EXPECT_EQ(count(folder.Path("")), files);
       EXPECT_EQ(count("/proc/self/fd"), open);
     }

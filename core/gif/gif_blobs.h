@@ -17,7 +17,8 @@ Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
                        const char* fileName, uint32_t capacity);
 
 // As GetSizeApplicationExtensionFromGif(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the source is not put back.
+// walk. What a walk that fails has counted so far counts; the source, which is measured, is not
+// put back.
 BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram

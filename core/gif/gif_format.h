@@ -77,7 +77,6 @@ Status SkipImage(ByteSource& source, const GifImage& image);
 struct GifHandler {
   bool done = false;  // set by a hook that needs no more of the picture
   Status OnComment(ByteSource& source) { return SkipChain(source); }
-  Status OnApplication(ByteSource& source) { return SkipChain(source); }
   Status OnImage(const GifImage&) { return kOk; }
 };
 

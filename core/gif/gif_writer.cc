@@ -186,7 +186,6 @@ Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo* doc, uint8_t* 
                          uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity) {
   if (doc == nullptr || out == nullptr || outLength == nullptr || attr == nullptr)
     return kBadArgument;
-  if (!source.Measure()) return kBadStream;
   return PictureCopier(source, *doc, *attr, out, outCapacity).Copy(outLength);
 }
 

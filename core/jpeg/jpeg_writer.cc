@@ -130,7 +130,6 @@ Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo* doc, uint8_t* 
   if (doc == nullptr || out == nullptr || outLength == nullptr) {
     return kBadArgument;
   }
-  if (!source.Measure()) return kBadStream;
   Copy copy{source, *doc, doc->length > 0, out, outCapacity};
   if (Status s = CopyPicture(copy); s != kOk) return s;
   *outLength = copy.position;

@@ -139,7 +139,7 @@ BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr) {
   BlobSizes sizes;
   KeptNames names(attr);
   PngHead head;
-  if (!source.Measure() || !source.Read(head.bytes)) return sizes;
+  if (!source.Read(head.bytes)) return sizes;
   ChunkHeader chunk;
   while (ReadChunkHeader(source, &chunk) && chunk.type != kEndChunk) {
     if (chunk.type == kBlobChunk && !CountChunk(source, chunk, &names, &sizes)) break;

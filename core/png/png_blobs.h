@@ -18,7 +18,8 @@ Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const 
                        const char* fileName, uint32_t capacity);
 
 // As GetSizeApplicationExtensionFromPng(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the source is not put back.
+// walk. What a walk that fails has counted so far counts; the source, which is measured, is not
+// put back.
 BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram

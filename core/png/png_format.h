@@ -29,7 +29,7 @@ inline constexpr uint32_t kChunkTypeSize = 4;
 inline constexpr uint32_t kChunkHeaderSize = 4 + kChunkTypeSize;
 inline constexpr uint32_t kChunkCrcSize = 4;
 
-constexpr uint32_t ChunkType(const char (&name)[5]) {
+consteval uint32_t ChunkType(const char (&name)[5]) {
   uint32_t type = 0;
   for (int i = 0; i < 4; ++i) type = type << 8 | static_cast<uint8_t>(name[i]);
   return type;

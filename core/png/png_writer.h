@@ -10,8 +10,8 @@
 namespace lumigram {
 
 // Copies the picture with a new document and blobs to out, at most outCapacity bytes, and stores
-// its length on success. The source is not put back. A doc length of 0 or less writes no document
-// and no new blob.
+// its length on success. The source is measured, and is not put back. A doc length of 0 or less
+// writes no document and no new blob.
 Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
                          uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity);
 

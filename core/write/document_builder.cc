@@ -1,7 +1,11 @@
 #include "core/write/document_builder.h"
 
-#include <string.h>
+#include <algorithm>
+#include <initializer_list>
+#include <string_view>
 
+#include "core/base/output_buffer.h"
+#include "core/base/text.h"
 #include "core/document/document_format.h"
 
 namespace lumigram {
@@ -10,81 +14,73 @@ namespace {
 // One byte less than a reader takes.
 constexpr uint32_t kMaxWrittenBytes = kLumigramMaxDocumentBytes - 1;
 
-}  // namespace
-
-DocumentBuilder::DocumentBuilder(XmlStringInfo* document)
-    : document_(document), text_(reinterpret_cast<uint8_t*>(document->text), kMaxWrittenBytes) {
-  document->length = 0;
-  document->text[0] = '\0';
-  Format({kRootStart});
-  (void)AppendFormatted();
-}
-
-Status DocumentBuilder::AddLabel(std::string_view name, std::string_view note,
-                                 std::string_view part) {
-  if (CountCharacters(name) > kLumigramMaxCharacters) return kTooManyCharacters;
-  if (name.empty()) return kOk;
-  if (CountCharacters(note) > kLumigramMaxCharacters) return kTooManyCharacters;
-  Format({kLabelStart, kNameStart, name, kNameEnd});
-  if (!note.empty()) Format({kNoteStart, note, kNoteEnd});
-  if (!part.empty()) Format({kPartStart, part, kPartEnd});
-  Format({kLabelEnd});
-  return AppendFormatted();
-}
-
-Status DocumentBuilder::AddElement(std::string_view startTag, std::string_view content,
-                                   std::string_view endTag) {
-  if (content.empty()) return kOk;
-  Format({startTag, content, endTag});
-  return AppendFormatted();
-}
-
-Status DocumentBuilder::AddTagGroup(std::string_view name, std::string_view content) {
-  Format({kTagsStart, name, kAttributeEnd, content, kTagsEnd});
-  return AppendFormatted();
-}
-
-Status DocumentBuilder::Finish() {
-  Format({kRootEnd});
-  if (Status s = AppendFormatted(); s != kOk) return s;
-  document_->length = static_cast<int32_t>(text_.Size());
-  document_->text[text_.Size()] = '\0';
-  return kOk;
-}
-
-void DocumentBuilder::Format(Pieces pieces) {
-  for (std::string_view piece : pieces) {
-    fits_ = fits_ && piece.size() <= sizeof(scratch_) - scratchSize_;
-    if (!fits_) return;
-    memcpy(scratch_ + scratchSize_, piece.data(), piece.size());
-    scratchSize_ += piece.size();
+// Puts a document together in memory that it borrows. The first fault stays, and nothing is added
+// behind it. An element goes in whole, so that what a label's own texts are refused for is found
+// before the document is found to be full.
+class DocumentBuilder {
+ public:
+  explicit DocumentBuilder(XmlStringInfo* document)
+      : text_(reinterpret_cast<uint8_t*>(document->text), kMaxWrittenBytes) {
+    Add({kRootStart});
   }
-}
 
-Status DocumentBuilder::AppendFormatted() {
-  const bool appended = fits_ && text_.Put(std::string_view(scratch_, scratchSize_));
-  scratchSize_ = 0;
-  return appended ? kOk : kTooLong;
-}
+  // The note of a label without a name is not looked at.
+  void AddLabel(std::string_view name, std::string_view note, std::string_view part) {
+    if (CountCharacters(name) > kLumigramMaxCharacters) Refuse(kTooManyCharacters);
+    if (name.empty()) return;
+    if (CountCharacters(note) > kLumigramMaxCharacters) Refuse(kTooManyCharacters);
+    const bool hasNote = !note.empty(), hasPart = !part.empty();
+    Add({kLabelStart, kNameStart, name, kNameEnd, hasNote ? kNoteStart : "", note,
+         hasNote ? kNoteEnd : "", hasPart ? kPartStart : "", part, hasPart ? kPartEnd : "",
+         kLabelEnd});
+  }
+
+  void AddElement(std::string_view startTag, std::string_view content, std::string_view endTag) {
+    if (!content.empty()) Add({startTag, content, endTag});
+  }
+
+  void AddTagGroup(std::string_view name, std::string_view content) {
+    Add({kTagsStart, name, kAttributeEnd, content, kTagsEnd});
+  }
+
+  Status Finish(int32_t* length) {
+    Add({kRootEnd});
+    *length = fault_ == kOk ? static_cast<int32_t>(text_.Size()) : 0;
+    return fault_;
+  }
+
+ private:
+  void Refuse(Status fault) {
+    if (fault_ == kOk) fault_ = fault;
+  }
+
+  void Add(std::initializer_list<std::string_view> pieces) {
+    if (fault_ != kOk) return;
+    size_t size = 0;
+    for (std::string_view piece : pieces) size += piece.size();
+    uint8_t* room = text_.Claim(size);
+    if (room == nullptr) return Refuse(kTooLong);
+    for (std::string_view piece : pieces) room = std::copy(piece.begin(), piece.end(), room);
+  }
+
+  OutputBuffer text_;
+  Status fault_ = kOk;
+};
+
+}  // namespace
 
 Status BuildDocument(const AttrInfo& attr, XmlStringInfo* document) {
   DocumentBuilder builder(document);
-  for (int i = 0; i < kLumigramMaxLabels; ++i) {
-    if (Status s =
-            builder.AddLabel(TextOf(attr.name[i]), TextOf(attr.note[i]), TextOf(attr.part[i]));
-        s != kOk) {
-      return s;
-    }
-  }
-  if (Status s = builder.AddElement(kCategoryStart, TextOf(attr.category), kCategoryEnd); s != kOk)
-    return s;
-  if (Status s = builder.AddElement(kTypeStart, TextOf(attr.type), kTypeEnd); s != kOk) return s;
+  for (int i = 0; i < kLumigramMaxLabels; ++i)
+    builder.AddLabel(TextOf(attr.name[i]), TextOf(attr.note[i]), TextOf(attr.part[i]));
+  builder.AddElement(kCategoryStart, TextOf(attr.category), kCategoryEnd);
+  builder.AddElement(kTypeStart, TextOf(attr.type), kTypeEnd);
   for (const TagEntry& tag : attr.tag) {
-    if (tag.tagName[0] == '\0') continue;
-    if (Status s = builder.AddTagGroup(TextOf(tag.tagName), TextOf(tag.tagElement)); s != kOk)
-      return s;
+    if (tag.tagName[0] != '\0') builder.AddTagGroup(TextOf(tag.tagName), TextOf(tag.tagElement));
   }
-  return builder.Finish();
+  const Status status = builder.Finish(&document->length);
+  document->text[document->length] = '\0';
+  return status;
 }
 
 }  // namespace lumigram

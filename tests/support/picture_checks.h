@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "lumigram.h"
 #include "core/base/byte_source.h"
+#include "lumigram.h"
 #include "tests/support/bytes.h"
 #include "tests/support/documents.h"
 
@@ -36,6 +36,7 @@ void CheckWriter(Writer write, const Bytes& picture, std::string_view text, int3
     Bytes out(status == 0 ? want.size() : picture.size() + 20000);
     uint32_t length = 7, room = uint32_t(out.size());
     ByteSource source(stream.get());
+    ASSERT_TRUE(source.Measure());
     EXPECT_EQ(write(source, nullptr, out.data(), &length, room), -99);
     EXPECT_EQ(write(source, &doc, nullptr, &length, room), -99);
     EXPECT_EQ(write(source, &doc, out.data(), nullptr, room), -99);
