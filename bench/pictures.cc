@@ -133,13 +133,17 @@ std::vector<PictureSet> BuildPicturesOfSize(const std::string& folder, size_t si
   return sets;
 }
 
-void FillEntries(AttrInfo* record, int count, const std::string& folder) {
+void FillTags(AttrInfo* record, int count) {
   for (int i = 0; i < count; ++i) {
-    const std::string name = "blob" + std::to_string(i), path = folder + "/" + name;
     strcpy(record->tag[i].tagName, ("tag" + std::to_string(i % 10)).c_str());
     strcpy(record->tag[i].tagElement, "content");
-    if (folder.empty()) continue;
-    Write(path, Bytes(64, 7));
+  }
+}
+
+void FillBlobs(AttrInfo* record, int count, const std::string& folder) {
+  for (int i = 0; i < count; ++i) {
+    const std::string name = "blob" + std::to_string(100 + i), path = folder + "/" + name;
+    if (folder != "file://THIS") Write(path, Bytes(64, 7));
     strcpy(record->appExt[i].labelName, "EMJ");
     strcpy(record->appExt[i].fileName, name.c_str());
     strcpy(record->appExt[i].binaryDataUri, path.c_str());

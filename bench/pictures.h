@@ -28,8 +28,11 @@ void BuildPictures(const std::string& folder);
 // searched.
 std::vector<PictureSet> BuildPicturesOfSize(const std::string& folder, size_t size);
 
-// So many tags; with a folder, so many blobs of 64 bytes, whose files are written there.
-void FillEntries(AttrInfo* record, int count, const std::string& folder);
+// So many tags, of ten names.
+void FillTags(AttrInfo* record, int count);
+
+// So many blobs of 64 bytes, whose files are written to the folder, unless it is "file://THIS".
+void FillBlobs(AttrInfo* record, int count, const std::string& folder);
 
 // Two labels, category, type and a tag: what a tagged picture carries.
 void FillRecord(AttrInfo* record);
