@@ -15,7 +15,8 @@ inline constexpr int kKill = -2;  // the process is killed instead
 
 // All calls of a whole read or write that can fail and that it cannot do without.
 inline constexpr char kAllCalls[] =
-    "malloc calloc open64 fopen64 fread pread64 fseek ftell fgetpos64 fsetpos64 fcntl64 fstat64 "
+    "malloc calloc open64 fopen64 fdopen fread pread64 fseek ftell fgetpos64 fsetpos64 fcntl64 "
+    "fstat64 "
     "pwrite64 fsync fchown fchmod close rename";
 
 // While in scope, of the calls named (open64 also by fopen64), counted together from 0, the nth
