@@ -1,6 +1,7 @@
-// Each pointer of a call null in turn: the functions that no whole operation hands one.
+// Each pointer of a call null in turn.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <tuple>
 #include <type_traits>
 
@@ -12,21 +13,18 @@
 namespace lumigram::test {
 namespace {
 
+// The pointers that are handed over as nullptr may be null, or are looked at later.
 template <typename Function, typename... Arguments>
 void ExpectRefusesNull(int32_t status, Function function, Arguments... arguments) {
-  for (size_t null = 0; null < sizeof...(arguments); ++null) {
+  for (size_t null = 0; null < (size_t{0} + ... + std::is_pointer_v<Arguments>); ++null) {
     size_t at = 0;
-    bool isNull = false;
     const auto take = [&](auto argument) {
-      if (at++ != null || !std::is_pointer_v<decltype(argument)>) return argument;
-      isNull = true;
-      return decltype(argument){};
+      if constexpr (std::is_pointer_v<decltype(argument)>)
+        argument = at++ == null ? nullptr : argument;
+      return argument;
     };
     // Braces take them from left to right.
-    const std::tuple<Arguments...> changed{take(arguments)...};
-    if (isNull) {
-      EXPECT_EQ(std::apply(function, changed), status) << "argument " << null;
-    }
+    EXPECT_EQ(std::apply(function, std::tuple<Arguments...>{take(arguments)...}), status) << null;
   }
 }
 
@@ -36,18 +34,39 @@ TEST(Arguments, NullIsRefused) {
   const AttrInfo attr = {};
   uint8_t out[64] = {};
   uint32_t position = 8;
-  char text[] = "<a></a>", name[300], content[1100];
+  char text[] = "<a></a>";
+  const ScopedFile stream = Stream({});
+  FILE* const file = stream.get();
+  ByteSource source(file);
+  ASSERT_TRUE(source.Measure());
+  ExpectRefusesNull(-99, SetXmlStringToGif, std::ref(source), doc, out, &position, &attr, 64u);
+  ExpectRefusesNull(-99, SetXmlStringToPng, std::ref(source), doc, out, &position, nullptr, 64u);
+  ExpectRefusesNull(-99, SetXmlStringToJpg, std::ref(source), doc, out, &position, 64u);
   ExpectRefusesNull(-99, SetMetadataBlocksToGif, doc, &position, out, &attr, 64u);
   ExpectRefusesNull(-99, SetMetadataChunksToPng, doc, &position, out, &attr, 64u);
   ExpectRefusesNull(-99, SetCommentSegmentToJpg, doc, &position, out, 64u);
   ExpectRefusesNull(-99, SetChunkCrc, 0u, &position, out, 64u);
-  const ScopedFile stream = Stream({});
-  for (const auto copy : {GetApplicationExtensionDataFromGif, GetApplicationExtensionDataFromPng})
-    ExpectRefusesNull(-99, copy, stream.get(), out, &position, "EMJ", "name");
-  const auto getTagContent = [&](char* from, const char* start, const char* end) {
-    return GetElementTagContent(from, start, end, name, content);
-  };
-  ExpectRefusesNull(-1, getTagContent, text, "<a>", "</a>");
+  FileType type = 0;
+  char results[10][1025];
+  AttrInfo labels = {};
+  ExpectRefusesNull(-99, GetSizeApplicationExtensionFromGif, file, &position, nullptr);
+  ExpectRefusesNull(-99, GetSizeApplicationExtensionFromPng, file, &position, nullptr);
+  ExpectRefusesNull(-99, GetApplicationExtensionDataFromGif, file, out, &position, "", "");
+  ExpectRefusesNull(-99, GetApplicationExtensionDataFromPng, file, out, &position, "", "");
+  ExpectRefusesNull(-99, GetXmlString, file, 1, text, nullptr, nullptr, nullptr);
+  ExpectRefusesNull(-99, GetXmlStringFromGif, file, text, nullptr, nullptr, nullptr);
+  ExpectRefusesNull(-99, GetXmlStringFromPng, file, text, nullptr, nullptr);
+  ExpectRefusesNull(-99, GetXmlStringFromJpg, file, text, nullptr, nullptr);
+  ExpectRefusesNull(-99, OpenFile, "a.gif", 0u, nullptr, &type);
+  ExpectRefusesNull(-99, GetTagInfo, file, 3, "n", results);
+  ExpectRefusesNull(-99, GetLabelInfo, text, &labels);
+  ExpectRefusesNull(-10, SetXmlStringToFile, file, "p.png", &attr, 4);
+  ExpectRefusesNull(-1, GetFileType, "a.gif", &type);
+  ExpectRefusesNull(-1, GetElementContent, text, "<a>", "</a>", nullptr);
+  ExpectRefusesNull(-1, GetElementTagContent, text, "<a>", "</a>", nullptr, nullptr);
+  EXPECT_EQ(SetChunkCrc(99, &position, out, 64), -99) << "more than there is";
+  position = 65;
+  EXPECT_EQ(SetMetadataBlocksToGif(doc, &position, out, &attr, 64), -99) << "behind the room";
   document.length = -1;
   EXPECT_EQ(SetMetadataChunksToPng(doc, &position, out, &attr, 64), -99);
   EXPECT_EQ(SetCommentSegmentToJpg(doc, &position, out, 64), -99);

@@ -1,8 +1,11 @@
-// Taking a document apart: elements, labels, parts of speech, tag groups.
+// Documents taken apart, into elements, labels and tag groups, and documents built from records.
 #include <gtest/gtest.h>
 
-#include "lumigram.h"
-#include "tests/support/documents.h"
+#include <cstring>
+
+#include "core/base/text.h"
+#include "core/write/document_builder.h"
+#include "tests/support/bytes.h"
 
 namespace lumigram::test {
 namespace {
@@ -19,79 +22,58 @@ TEST(Elements, CountsCharacters) {
   EXPECT_EQ(GetStrLenUtf8(" ~\xC0\xF7"), 4u);
 }
 
+// "status content|document", of an element that is asked for and then taken.
+std::string Take(const std::string& text, const char* start, const char* end) {
+  auto document = Block(text);
+  char out[1025] = {};
+  const int32_t asked = GetElementContent(document.data(), start, end, nullptr);
+  EXPECT_EQ(document.data(), text) << "a question changes nothing";
+  const int32_t status = GetElementContent(document.data(), start, end, out);
+  EXPECT_EQ(asked, status == -1 ? 0 : status);
+  return std::to_string(status) + " " + out + "|" + document.data();
+}
+
 TEST(Elements, GetElementContent) {
-  const std::string x256(256, 'x'), over = "<a>" + x256 + "x</a>",
-                                    longTag = Tag("n", Repeat("x", 1024));
-  const std::string longerTag = Tag("n", Repeat("x", 1025)),
-                    openTag = "<tags name=\"" + x256 + "x</tags>";
-  const struct {
-    std::string document;
-    const char *start, *end;
-    int32_t status;
-    std::string content, left;
-  } cases[] = {
-      {"<a>1</a><a>2</a>", "<a>", "</a>", 0, "1", "<a>2</a>"},
-      {"x<a></a>y", "<a>", "</a>", 0, "", "xy"},
-      // An end tag before the start tag does not count.
-      {"</a><a>1</a>", "<a>", "</a>", 0, "1", "</a>"},
-      {"</a>", "<a>", "</a>", -2, "", "</a>"},
-      {"</a><a>", "<a>", "</a>", -3, "", "</a><a>"},
-      {"<a>" + x256 + "</a>", "<a>", "</a>", 0, x256, ""},
-      {over, "<a>", "</a>", -1, "", over},
-      {longTag, "<tags name=\"n\">", "</tags>", 0, Repeat("x", 1024), ""},
-      {longerTag, "<tags name=\"n\">", "</tags>", -1, "", longerTag},
-      // A start of 12 bytes is an ordinary one.
-      {openTag, "<tags name=\"", "</tags>", -1, "", openTag},
-      // The end tag lies inside the start tag.
-      {"<aba>", "<aba>", "ba", -1, "", "<aba>"},
+  const std::string x256(256, 'x'), x1024(1024, 'x'), over = "<a>" + x256 + "x</a>";
+  const std::string longer = Tag("n", x1024 + "x"), open = "<tags name=\"" + x256 + "x</tags>";
+  EXPECT_EQ(Take("<a>1</a><a>2</a>", "<a>", "</a>"), "0 1|<a>2</a>");
+  EXPECT_EQ(Take("x<a></a>y", "<a>", "</a>"), "0 |xy");
+  EXPECT_EQ(Take("</a><a>1</a>", "<a>", "</a>"), "0 1|</a>") << "only behind the start tag";
+  EXPECT_EQ(Take("</a>", "<a>", "</a>"), "-2 |</a>");
+  EXPECT_EQ(Take("</a><a>", "<a>", "</a>"), "-3 |</a><a>");
+  EXPECT_EQ(Take("<a>" + x256 + "</a>", "<a>", "</a>"), "0 " + x256 + "|");
+  EXPECT_EQ(Take(over, "<a>", "</a>"), "-1 |" + over);
+  EXPECT_EQ(Take(Tag("n", x1024), "<tags name=\"n\">", "</tags>"), "0 " + x1024 + "|");
+  EXPECT_EQ(Take(longer, "<tags name=\"n\">", "</tags>"), "-1 |" + longer);
+  EXPECT_EQ(Take(open, "<tags name=\"", "</tags>"), "-1 |" + open) << "12 bytes: not of a group";
+  EXPECT_EQ(Take("<aba>", "<aba>", "ba"), "-1 |<aba>") << "the end tag is in the start tag";
+}
+
+// "status name=content|document", likewise.
+std::string TakeTag(const std::string& text) {
+  auto document = Block(text);
+  char name[257] = {}, content[1025] = {};
+  const auto get = [&](char* to) {
+    return GetElementTagContent(document.data(), "<tags name=\"", "</tags>", to, content);
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.document.substr(0, 40));
-    auto document = Block(c.document);
-    std::vector<char> out(1025);
-    EXPECT_EQ(GetElementContent(document.data(), c.start, c.end, nullptr),
-              c.status == -1 ? 0 : c.status);
-    EXPECT_EQ(document.data(), c.document) << "a question changes nothing";
-    EXPECT_EQ(GetElementContent(document.data(), c.start, c.end, out.data()), c.status);
-    EXPECT_EQ(out.data(), c.content);
-    EXPECT_EQ(document.data(), c.left);
-  }
-  char out[257], document[] = "<a>1</a>";
-  EXPECT_EQ(GetElementContent(nullptr, "<a>", "</a>", out), -1);
-  EXPECT_EQ(GetElementContent(document, nullptr, "</a>", out), -1);
-  EXPECT_EQ(GetElementContent(document, "<a>", nullptr, out), -1);
+  const int32_t asked = get(nullptr), status = get(name);
+  EXPECT_EQ(asked, status == -41 ? 0 : status);
+  return std::to_string(status) + " " + name + "=" + content + "|" + document.data();
 }
 
 TEST(Elements, GetElementTagContent) {
   const std::string wide24 = Repeat("語", 24), free256(256, '\x80'), x1024(1024, 'x');
-  const struct {
-    std::string document;
-    int32_t status;
-    std::string name, content, left;
-  } cases[] = {
-      {std::string("a") + Tag("n", "c") + "b", 0, "n", "c", "ab"},
-      {Tag("", ""), 0, "", "", ""},
-      {Tag(wide24, x1024), 0, wide24, x1024, ""},
-      {Tag(wide24 + "x", ""), -41, wide24 + "x", "", Tag(wide24 + "x", "")},
-      {Tag(free256, ""), 0, free256, "", ""},
-      {Tag(free256 + "\x80", ""), -41, "", "", Tag(free256 + "\x80", "")},
-      {Tag("n", x1024 + "x"), -41, "", "", Tag("n", x1024 + "x")},
-      {"</tags>" + Tag("n", "c"), -41, "", "", "</tags>" + Tag("n", "c")},
-      {"<tags name=\"n</tags>\">", -41, "", "", "<tags name=\"n</tags>\">"},
-      {"</tags>", -4, "", "", "</tags>"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.document.substr(0, 40));
-    auto document = Block(c.document);
-    char name[257] = {}, content[1025] = {};
-    const auto get = [&](char* to) {
-      return GetElementTagContent(document.data(), "<tags name=\"", "</tags>", to, content);
-    };
-    EXPECT_EQ(get(nullptr), c.status == -41 ? 0 : c.status);
-    EXPECT_EQ(get(name), c.status);
-    EXPECT_EQ(name, c.name);
-    EXPECT_EQ(content, c.content);
-    EXPECT_EQ(document.data(), c.left);
+  EXPECT_EQ(TakeTag(std::string("a") + Tag("n", "c") + "b"), "0 n=c|ab");
+  EXPECT_EQ(TakeTag(Tag("", "")), "0 =|");
+  EXPECT_EQ(TakeTag(Tag(wide24, x1024)), "0 " + wide24 + "=" + x1024 + "|");
+  EXPECT_EQ(TakeTag(Tag(free256, "")), "0 " + free256 + "=|");
+  EXPECT_EQ(TakeTag("</tags>"), "-4 =|</tags>");
+  const std::string wide = Tag(wide24 + "x", "");
+  EXPECT_EQ(TakeTag(wide), "-41 " + wide24 + "x=|" + wide);
+  for (const std::string& refused :
+       {Tag(free256 + "\x80", ""), Tag("n", x1024 + "x"), std::string("</tags>") + Tag("n", "c"),
+        std::string("<tags name=\"n</tags>\">")}) {
+    EXPECT_EQ(TakeTag(refused), "-41 =|" + refused);
   }
 }
 
@@ -105,7 +87,7 @@ TEST(Labels, Statuses) {
       {Repeat(good, 12) + end, {0, 10, 10, 10, 10}},
       {Repeat(good, 10) + "<label>" + end, {0, 10, 10, 10, 10}},  // no eleventh is looked at
       {good + "<label><note>n</note></label>" + end, {-40, 2, 1, 1, 1}},
-      {"</label>" + good + end, {-40, 1, 0, 0, 0}},
+      {"</label> " + good + end, {-40, 1, 0, 0, 0}},
       {good + "</label>" + end, {-40, 1, 1, 1, 1}},
       {Label(wide24) + end, {0, 1, 1, 1, 1}},
       {Label(wide24 + "x") + end, {-40, 1, 0, 0, 0}},
@@ -126,8 +108,6 @@ TEST(Labels, Statuses) {
         << rest.substr(0, 60);
   }
   EXPECT_EQ(GetLabelInfo(Block(" <emoji>" + good + end).data(), attr.get()), -40);
-  EXPECT_EQ(GetLabelInfo(nullptr, attr.get()), -99);
-  EXPECT_EQ(GetLabelInfo(Block("<emoji>").data(), nullptr), -99);
 }
 
 TEST(Labels, FieldsInAnyOrderAndTheCutBehindTheRoot) {
@@ -146,71 +126,104 @@ TEST(Labels, FieldsInAnyOrderAndTheCutBehindTheRoot) {
 TEST(PartOfSpeech, NamesAndNumbers) {
   for (uint32_t i = 1; i <= 21; ++i) EXPECT_EQ(GetPartNo(GetPartName(i)), static_cast<int32_t>(i));
   EXPECT_STREQ(GetPartName(1), "名詞");
-  EXPECT_STREQ(GetPartName(7), "名詞-ナイ形容詞語幹");
   EXPECT_STREQ(GetPartName(21), "記号");
   for (uint32_t i : {0u, 22u, 255u, UINT32_MAX}) EXPECT_STREQ(GetPartName(i), "");
-  for (const char* name : {"", "名詞 ", "名", "noun"}) EXPECT_EQ(GetPartNo(name), 0) << name;
-  EXPECT_EQ(GetPartNo(nullptr), 0);
+  for (const char* name : std::initializer_list<const char*>{"", "名詞 ", "名", "noun", nullptr})
+    EXPECT_EQ(GetPartNo(name), 0) << name;
 }
 
-struct Collected {
-  std::string joined, names, contents, sizes;  // the latter three each followed by a blank
-  std::string left;
-};
-
-Collected Collect(const std::string& text) {
+// The joined names, the elements, the sizes of the groups, and what is left of the document.
+std::string Collect(const std::string& text) {
   auto document = Block(text);
   auto tags = std::make_unique<TagCollection>();
   CollectTagGroups(document.data(), tags.get());
-  Collected result{tags->joinedNames, "", "", "", document.data()};
-  for (int32_t i = 0; i < tags->elementCount; ++i) {
-    result.names += std::string(tags->tagName[i]) + " ";
-    result.contents += std::string(tags->tagElement[i]) + " ";
-  }
-  for (int32_t i = 0; i < tags->groupCount; ++i)
-    result.sizes += std::to_string(tags->groupSize[i]) + " ";
-  return result;
+  std::string all = tags->joinedNames + std::string("|");
+  for (int32_t i = 0; i < tags->elementCount; ++i)
+    all += tags->tagName[i] + std::string("=") + tags->tagElement[i] + " ";
+  all += "|";
+  for (int32_t i = 0; i < tags->groupCount; ++i) all += std::to_string(tags->groupSize[i]) + " ";
+  return all + "|" + document.data();
 }
 
 TEST(TagGroups, GroupsInDocumentOrder) {
-  const Collected plain = Collect(std::string("x") + Tag("a", "1") + Tag("b", "2") + "y" +
-                                  Tag("a", "3") + "<tags name=\"c\">");
-  EXPECT_EQ(plain.joined, "a,b");
-  EXPECT_EQ(plain.names, "a b a ");
-  EXPECT_EQ(plain.contents, "1 2 3 ");
-  EXPECT_EQ(plain.sizes, "2 1 ");
-  EXPECT_EQ(plain.left, "xy<tags name=\"c\">");
+  const std::string abc = Tag("abc", "1"), empty = Tag("", "4"), open = "<tags name=\"c\">";
+  EXPECT_EQ(Collect(std::string("x") + Tag("a", "1") + Tag("b", "2") + "y" + Tag("a", "3") + open),
+            "a,b|a=1 b=2 a=3 |2 1 |xy" + open);
   // A name that an earlier group's begins with joins that group under its own name.
-  const Collected prefix =
-      Collect(Tag("abc", "1") + Tag("ab", "2") + Tag("abcd", "3") + Tag("", "4"));
-  EXPECT_EQ(prefix.joined, "abc,abcd");
-  EXPECT_EQ(prefix.names, "abc ab abcd  ");
-  EXPECT_EQ(prefix.sizes, "3 1 ");
-  const Collected emptyFirst = Collect(Tag("", "1") + Tag("a", "2") + Tag("", "3"));
-  EXPECT_EQ(emptyFirst.joined, "a");
-  EXPECT_EQ(emptyFirst.sizes, "2 1 ");
+  EXPECT_EQ(Collect(abc + Tag("ab", "2") + Tag("abcd", "3") + empty),
+            "abc,abcd|abc=1 ab=2 abcd=3 =4 |3 1 |");
+  EXPECT_EQ(Collect(empty + abc + empty), "abc|=4 abc=1 =4 |2 1 |");
+  const std::string bad = Tag(std::string(25, 'n'), "") + Tag("z", "9");
+  EXPECT_EQ(Collect(abc + bad), "|= |1 |" + bad) << "one unusable element empties all";
 }
 
 TEST(TagGroups, Limits) {
-  EXPECT_EQ(Collect(Repeat(Tag("a", "1"), 11) + Tag("b", "2")).sizes, "10 1 ");
+  EXPECT_EQ(Collect(Repeat(Tag("a", "1"), 11) + Tag("b", "2")),
+            "a,b|" + Repeat("a=1 ", 10) + "b=2 |10 1 |");
   std::string eleven, longest;
   for (char c = 'a'; c <= 'k'; ++c) eleven += Tag(std::string(1, c), "1");
-  EXPECT_EQ(Collect(eleven + Tag("a", "2")).joined, "a,b,c,d,e,f,g,h,i,j");
-  EXPECT_EQ(Collect(eleven + Tag("a", "2")).sizes, "2 1 1 1 1 1 1 1 1 1 ");
-  EXPECT_EQ(Collect(Repeat(Tag("a", ""), 101)).left, Tag("a", "")) << "the hundred-and-first stays";
+  EXPECT_EQ(Collect(eleven + Tag("a", "2")),
+            "a,b,c,d,e,f,g,h,i,j|a=1 b=1 c=1 d=1 e=1 f=1 g=1 h=1 i=1 j=1 a=2 |"
+            "2 1 1 1 1 1 1 1 1 1 |");
+  EXPECT_TRUE(Collect(Repeat(Tag("a", ""), 101)).ends_with(" |" + Tag("a", ""))) << "one stays";
   // Ten names of 256 bytes, of which only one is a character, fill the joined names.
   for (char c = '0'; c <= '9'; ++c) longest += Tag(c + std::string(255, '\x80'), "");
-  EXPECT_EQ(Collect(longest).joined.size(), 2569u);
+  EXPECT_EQ(Collect(longest).find('|'), 2569u);
 }
 
-TEST(TagGroups, OneUnusableElementEmptiesAll) {
-  const std::string bad = Tag(std::string(25, 'n'), "") + Tag("z", "9");
-  auto document = Block(Tag("a", "1") + bad);
-  auto tags = std::make_unique<TagCollection>();
-  CollectTagGroups(document.data(), tags.get());
-  EXPECT_EQ(document.data(), bad);
-  for (const char* text : {tags->joinedNames, tags->tagName[0], tags->tagElement[0]})
-    EXPECT_STREQ(text, "");
+// What is inside the document's root, or the status.
+std::string Built(const AttrInfo& attr) {
+  XmlStringInfo document;
+  memset(&document, '#', sizeof(document));
+  if (const Status s = BuildDocument(attr, &document); s != kOk) return std::to_string(s);
+  const std::string text = document.text;
+  EXPECT_EQ(text.size(), static_cast<size_t>(document.length));
+  EXPECT_TRUE(text.starts_with("<emoji>") && text.ends_with("</emoji>")) << text;
+  return text.substr(7, text.size() - 15);
+}
+
+TEST(BuildDocument, ElementsInTheirOrder) {
+  AttrInfo attr = {};
+  EXPECT_EQ(Built(attr), "");
+  attr.tag[99] = {"t<", ""};
+  attr.tag[7] = {"t<", "c&"};
+  attr.tag[8] = {"", "no name"};
+  CopyText(attr.type, "y");
+  CopyText(attr.category, "x");
+  memset(attr.name[8], '\x80', 257);  // no terminator, in bytes that count as no character
+  CopyText(attr.part[9], "p");
+  CopyText(attr.name[9], "n");
+  CopyText(attr.name[3], "m");
+  CopyText(attr.note[3], "o");
+  CopyText(attr.part[4], "no name");
+  EXPECT_EQ(Built(attr),
+            "<label><name>m</name><note>o</note></label><label><name>" + std::string(256, '\x80') +
+                "</name></label><label><name>n</name><part>p</part></label><category>x</category>"
+                "<type>y</type><tags name=\"t<\">c&</tags><tags name=\"t<\"></tags>");
+}
+
+TEST(BuildDocument, LimitsAndOrderOfFaults) {
+  const std::string at = "語語語語語語語語語語語語語語語語語語語語語語語語", over = at + "x";
+  AttrInfo attr = {};
+  CopyText(attr.note[0], over);
+  EXPECT_EQ(Built(attr), "") << "a note without a name";
+  CopyText(attr.name[0], at);
+  EXPECT_EQ(Built(attr), "-42");
+  CopyText(attr.note[0], at);
+  EXPECT_EQ(Built(attr), "<label><name>" + at + "</name><note>" + at + "</note></label>");
+  // With nine groups of 1,022 bytes, the root, and what the tenth takes besides its content.
+  attr = {};
+  for (int i = 0; i < 9; ++i) {
+    CopyText(attr.tag[i].tagName, "n");
+    CopyText(attr.tag[i].tagElement, std::string(1000, 'x'));
+  }
+  CopyText(attr.tag[9].tagName, "n");
+  for (const size_t size : {10239, 10240, 10248}) {
+    CopyText(attr.tag[9].tagElement, std::string(size - 9 * 1022 - 15 - 22, 'x'));
+    EXPECT_EQ(Built(attr).substr(0, 5), size == 10239 ? "<tags" : "-41");
+  }
+  CopyText(attr.name[9], over);
+  EXPECT_EQ(Built(attr), "-42");
 }
 
 }  // namespace

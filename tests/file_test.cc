@@ -1,33 +1,34 @@
-// File types, opening and sizes.
+// File types, opening and sizes; the reader that a type picks; one tag group out of a picture.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
 #include "lumigram.h"
-#include "tests/support/bytes.h"
+#include "tests/support/gif_builder.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/png_builder.h"
 
 namespace lumigram::test {
 namespace {
 
 TEST(FileType, ByTheLastDotOfThePath) {
-  const std::pair<const char*, FileType> known[] = {
-      {"PHOTO.GIF", 1}, {"a/b.c/a.JpEg", 2}, {"b.jpg", 2}, {"c.png", 3}, {".gif", 1}};
-  for (const auto& [path, want] : known) {
+  // 0 for none.
+  const std::pair<const char*, FileType> cases[] = {{"PHOTO.GIF", 1}, {"a/b.c/a.JpEg", 2},
+                                                    {"b.jpg", 2},     {"c.png", 3},
+                                                    {".gif", 1},      {"", 0},
+                                                    {"photo", 0},     {"a.png.b", 0},
+                                                    {"x.gifx", 0},    {"x.gif ", 0},
+                                                    {nullptr, 0},     {"album.png/photo", 0},
+                                                    {"x.pn", 0},      {"x.pngggggggggggggggg", 0}};
+  for (const auto& [path, want] : cases) {
     FileType type = 0;
-    EXPECT_EQ(GetFileType(path, &type), 0) << path;
+    EXPECT_EQ(GetFileType(path, &type), want == 0 ? -1 : 0) << path;
     EXPECT_EQ(type, want) << path;
   }
-  FileType type = 7;
-  for (const char* path : {"", "photo", "a.png.bak", "x.gifx", "x.gif ", "album.png/photo",
-                           "x.pngggggggggggggggg", "x.pn"}) {
-    EXPECT_EQ(GetFileType(path, &type), -1) << path;
-  }
-  EXPECT_EQ(GetFileType(nullptr, &type), -1);
-  EXPECT_EQ(GetFileType("a.gif", nullptr), -1);
-  EXPECT_EQ(type, 7);
 }
 
 TEST(OpenFile, StatusesAndWhatIsStored) {
@@ -37,8 +38,6 @@ TEST(OpenFile, StatusesAndWhatIsStored) {
   FILE* stream = untouched;
   FileType type = 0;
   EXPECT_EQ(OpenFile(there.c_str(), 2, &stream, &type), -99);
-  EXPECT_EQ(OpenFile(nullptr, 0, &stream, &type), -99);
-  EXPECT_EQ(OpenFile(there.c_str(), 0, &stream, nullptr), -99);
   EXPECT_EQ(OpenFile((there + "x").c_str(), 0, &stream, &type), -21);
   EXPECT_EQ(stream, untouched);
   EXPECT_EQ(type, 0);
@@ -76,25 +75,23 @@ TEST(OpenFile, FindsBothSpellingsOfAnEmoji) {
 }
 
 TEST(Sizes, LeaveTheStreamWhereTheyPromise) {
+  const Bytes zeros(5000);
   for (Opened opened : kBothWays) {
-    ScopedFile stream = Stream(Bytes(5000), opened);
-    ASSERT_EQ(fseek(stream.get(), 100, SEEK_SET), 0);
-    int32_t size = 0;
-    EXPECT_EQ(CommonGetFileSize(stream.get(), &size), 0);
-    EXPECT_EQ(size, 5000);
-    void* block = nullptr;
-    EXPECT_EQ(GetMemory(stream.get(), &block), 5000u);
-    EXPECT_EQ(memcmp(block, Bytes(5000).data(), 5000), 0);
-    free(block);
-    EXPECT_EQ(ftell(stream.get()), 100);
-    EXPECT_EQ(GetFileLength(stream.get()), 5000);
-    EXPECT_EQ(ftell(stream.get()), 0);
-
-    ScopedFile empty = Stream({}, opened);
-    block = stream.get();
-    EXPECT_EQ(GetMemory(empty.get(), &block), 0u);
-    EXPECT_EQ(block, nullptr);
-    EXPECT_EQ(GetFileLength(empty.get()), 0);
+    for (const Bytes& bytes : {Bytes(5000, 7), Bytes()}) {
+      const ScopedFile stream = Stream(bytes, opened);
+      const long at = std::min<long>(std::ssize(bytes), 100);
+      ASSERT_EQ(fseek(stream.get(), at, SEEK_SET), 0);
+      int32_t size = -1;
+      EXPECT_EQ(CommonGetFileSize(stream.get(), &size), 0);
+      EXPECT_EQ(size, std::ssize(bytes));
+      void* block = stream.get();
+      EXPECT_EQ(GetMemory(stream.get(), &block), bytes.size());
+      EXPECT_TRUE(bytes.empty() ? block == nullptr : memcmp(block, &zeros[0], 5000) == 0);
+      free(block);
+      EXPECT_EQ(ftell(stream.get()), at);
+      EXPECT_EQ(GetFileLength(stream.get()), std::ssize(bytes));
+      EXPECT_EQ(ftell(stream.get()), 0);
+    }
   }
   EXPECT_EQ(GetFileLength(nullptr), -1);
   void* block;
@@ -102,26 +99,78 @@ TEST(Sizes, LeaveTheStreamWhereTheyPromise) {
 }
 
 TEST(Sizes, StopAtWhatA32BitPositionCanTell) {
-  TempFolder folder;
+  const TempFolder folder;
   const std::string path = folder.Write("sparse", {});
   for (const char* mode : {"rb", "r+b"}) {
-    for (const auto& [bytes, want] :
-         {std::pair(uintmax_t{2147483647}, 0), std::pair(uintmax_t{2147483648}, -1)}) {
-      std::filesystem::resize_file(path, bytes);
-      ScopedFile stream(fopen(path.c_str(), mode));
-      ASSERT_NE(stream, nullptr);
+    for (const int32_t over : {0, 1}) {
+      std::filesystem::resize_file(path, 2147483647 + uintmax_t(over));
+      const ScopedFile stream(fopen(path.c_str(), mode));
       int32_t size = 0;
-      EXPECT_EQ(CommonGetFileSize(stream.get(), &size), want) << mode;
-      EXPECT_EQ(GetFileLength(stream.get()), want == 0 ? 2147483647 : -1) << mode;
+      EXPECT_EQ(CommonGetFileSize(stream.get(), &size), -over) << mode;
+      EXPECT_EQ(GetFileLength(stream.get()), over ? -1 : 2147483647) << mode;
     }
   }
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  close(ends[1]);
-  ScopedFile stream(fdopen(ends[0], "rb"));
-  int32_t size = 0;
-  EXPECT_EQ(CommonGetFileSize(stream.get(), &size), -1);
 }
 
+TEST(Extraction, PicksTheReaderAndTellsAPictureWithoutDocument) {
+  const std::string longest = Document(10240), shortest = Document();
+  const Bytes gif = GifScreen() + GifComment(longest) + kGifEnd, jpeg = JpegFrame() + kJpegEnd;
+  Bytes largest = gif;
+  largest.resize(2097152);  // behind the trailer
+  // Status, dimensions and pop flag, which is 77 before; then the document.
+  const std::tuple<Bytes, FileType, std::array<int32_t, 4>, std::string> cases[] = {
+      {gif, 1, {0, 100, 80, 0}, longest},
+      {GifScreen() + kGifEnd, 1, {-5, 100, 80, 0}, ""},
+      {kJpegStart + JpegComment(shortest) + jpeg, 2, {0, 32, 16, 77}, shortest},
+      {kJpegStart + jpeg, 2, {-5, 32, 16, 77}, ""},
+      {PngStart() + PngDocument(shortest) + kPngEnd, 3, {0, 32, 16, 77}, shortest},
+      {PngStart() + kPngEnd, 3, {-5, 32, 16, 77}, ""},
+      // Only the type decides.
+      {gif, 3, {-30, 0, 0, 77}, ""},
+      {PngStart() + kPngEnd, 2, {-30, 0, 0, 77}, ""},
+      {gif, 0, {-99, 0, 0, 77}, ""},
+      {gif, 4, {-99, 0, 0, 77}, ""},
+      {largest, 1, {0, 100, 80, 0}, longest},
+      {largest + Bytes{0}, 1, {-99, 0, 0, 77}, ""},
+      {{}, 1, {-30, 0, 0, 77}, ""},  // after a second
+  };
+  for (const auto& [picture, type, numbers, text] : cases) {
+    SCOPED_TRACE(testing::PrintToString(numbers));
+    const ScopedFile stream = Stream(picture);
+    char document[kLumigramDocumentBufferBytes] = {};
+    int32_t height = 0, width = 0, pop = 77;
+    const int32_t status = GetXmlString(stream.get(), type, document, &height, &width, &pop);
+    EXPECT_EQ((std::array{status, width, height, pop}), numbers);
+    EXPECT_EQ(document, text);
+  }
+}
+
+TEST(TagInfo, ElementsOfOneGroup) {
+  std::string twelve;
+  for (char c = 'a'; c < 'm'; ++c) twelve += Tag("n", std::string(1, c)) + Tag("N", "other");
+  const std::string x1024(1024, 'x'), n255(255, 'n');
+  // What is in the root, the name; the status, the contents.
+  const std::tuple<std::string, std::string, int32_t, std::vector<std::string>> cases[] = {
+      {twelve, "n", 0, {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}},
+      {twelve, "x", 0, {}},
+      {Tag("n", "1") + Tag("n", "") + Tag("n", "3"), "n", 0, {"1"}},
+      {Tag("n", x1024) + Tag("n", x1024 + "x") + Tag("n", "3"), "n", 0, {x1024}},
+      {"</emoji>" + Tag("n", "behind"), "n", 0, {"behind"}},
+      {Tag("n", "1") + Tag("", "2"), "", 0, {"2"}},
+      {Tag(n255 + "n", "longer") + Tag(n255, "wanted"), n255, 0, {"wanted"}},
+      {Tag("n", "1"), n255 + "n", -99, {}},
+  };
+  char results[10][1025];
+  for (auto [inRoot, name, status, contents] : cases) {
+    SCOPED_TRACE(inRoot.substr(0, 60));
+    memset(results, 0, sizeof results);
+    const ScopedFile stream = Stream(PngStart() + PngDocument("<emoji>" + inRoot) + kPngEnd);
+    EXPECT_EQ(GetTagInfo(stream.get(), 3, name.c_str(), results), status);
+    contents.resize(10);
+    EXPECT_TRUE(std::ranges::equal(results, contents));
+  }
+  const ScopedFile stream = Stream(PngStart() + kPngEnd);
+  EXPECT_EQ(GetTagInfo(stream.get(), 3, "n", results), -99) << "no document";
+}
 }  // namespace
 }  // namespace lumigram::test

@@ -2,15 +2,9 @@
 # What is installed and packed, and the C example built against it in both ways. Usage: tests/install_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build=$(realpath "$1") work=$(mktemp -d) failures=0
+build=$(realpath "$1") work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-
-# same NAME WANTED GOT: two lists of lines
-same() {
-  if [ "$2" = "$3" ]; then echo "PASS $1"; return; fi
-  echo "FAIL $1 (< wanted, > got)" && failures=$((failures + 1))
-  diff <(echo "$2") <(echo "$3")
-}
+. "$root/tests/support/same.sh"
 
 # The tree has to work where it was moved to.
 DESTDIR=$work/stage cmake --install "$build" --prefix /opt/lumigram
@@ -21,10 +15,9 @@ files=$(printf '%s\n' include/lumigram.h share/java/lumigram.jar "$lib"/{libLumi
     echo bin/lumigram share/bash-completion/completions/lumigram share/man/man1/lumigram.1) | sort)
 same "what is installed" "$files" "$(cd "$tree" && find . -type f | cut -c 3- | sort)"
 
-
 export PKG_CONFIG_PATH=$tree/$lib/pkgconfig LD_LIBRARY_PATH=$tree/$lib
 eval "flags=($(pkg-config --cflags --libs lumigram))"  # its spaces are quoted for a shell
-cc -Wall -Wextra -Werror -std=c11 "$root/examples/c/tag_picture.c" -o "$work/by-pkg-config" "${flags[@]}"
+cc -Wall -Wextra -Wpedantic -Werror -std=c11 "$root/examples/c/tag_picture.c" -o "$work/by-pkg-config" "${flags[@]}"
 cmake -S "$root/examples/c" -B "$work/c" -DCMAKE_PREFIX_PATH="$tree" && cmake --build "$work/c" &&
   mv "$work/c/tag_picture" "$work/by-find-package"
 for program in "$work"/by-{find-package,pkg-config}; do
@@ -42,6 +35,15 @@ words=$(cc -x c -I "$tree/include" -o "$work/words" - <<<'#include <lumigram.h>
 java=$(tr '\n' ' ' <"$root/java/src/main/java/lumigram/jni/LumigramStatus.java" |
   grep -oE 'case [-0-9]+: +return "[^"]*"' | sed -E 's/case (.*): +return "(.*)"/\1 \2/')
 same "the words of LumigramStatus" "0 ok" "$(grep -vxFe "$words" <<<"$java"; grep '^0 ' <<<"$java")"
+
+# What a stranger sees in Java when the native library is not there: what was tried, why it failed, and both ways.
+cd "$work" && cat >A.java <<<'class A { public static void main(String[] a) { lumigram.jni.LumigramJni.getLumigramTagInfo(null, null, null); } }'
+for tried in "-Dlumigram.library.path=no/lib.so System.load(\"$work/no/lib.so\"): Can't load" \
+    '-Djava.library.path=no System.loadLibrary("LumigramJniNative"): no LumigramJniNative in'; do
+  said=("${tried#* }" "set the system property lumigram.library.path to" "in a folder of java.library.path, which is now")
+  same "says why it is not loaded: ${tried%% *}" "$(printf '%s\n' "${said[@]}" | sort)" \
+    "$(java "${tried%% *}" -cp "$tree/share/java/lumigram.jar" A.java 2>&1 | grep -oF "$(printf '%s\n' "${said[@]}")" | sort)"
+done
 
 cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb)
 pom_version=$(sed -n 's/^  <version>\(.*\)<.*/\1/p' "$root/java/pom.xml")

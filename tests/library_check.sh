@@ -4,15 +4,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 library=$1/libLumigramJniNative.so
 [ -f "$library" ] || { echo "FAIL there is no $library"; exit 1; }
-failures=0
-
-# same NAME WANTED GOT: two lists of lines
-same() {
-  if [ "$2" = "$3" ]; then echo "PASS $1"; return; fi
-  echo "FAIL $1 (< wanted, > got)"
-  diff <(echo "$2") <(echo "$3")
-  failures=$((failures + 1))
-}
+. "$root/tests/support/same.sh"
 
 dynamic=$(readelf -dW "$library") segments=$(readelf -lW "$library") symbols=$(readelf --dyn-syms -W "$library")
 
@@ -38,5 +30,4 @@ same "segments for 16 KiB pages" "0x4000" "$(awk '$1 == "LOAD" { print $NF }' <<
 same "no segment writable and executable" "" "$(grep -E '^ *LOAD .*RWE' <<<"$segments")"
 same "relocations read-only from the start" "GNU_RELRO BIND_NOW" \
   "$(grep -ow GNU_RELRO <<<"$segments" | head -n 1) $(grep -owE 'BIND_NOW' <<<"$dynamic" | head -n 1)"
-same "header compiles as C11" "" "$(cc -std=c11 -Wall -Wextra -Wpedantic -fsyntax-only -x c "$root/include/lumigram.h" 2>&1)"
 [ $failures -eq 0 ]

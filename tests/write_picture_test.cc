@@ -92,9 +92,6 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
   EXPECT_EQ(Write(attr, 4, filled(0)), -99);
   CopyText(attr.name[9], std::string(25, 'x'));
   EXPECT_EQ(Write(attr, 4, filled(0)), -42);
-  EXPECT_EQ(SetXmlStringToFile(nullptr, "p.png", &attr, 4), -10);
-  EXPECT_EQ(SetXmlStringToFile(stdin, nullptr, &attr, 4), -10);
-  EXPECT_EQ(SetXmlStringToFile(stdin, "p.png", nullptr, 4), -10);
 }
 
 }  // namespace

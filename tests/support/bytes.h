@@ -1,4 +1,4 @@
-// Bytes of pictures, built in code, and streams over them.
+// Bytes of pictures and texts of documents, built in code, and streams over them.
 #ifndef LUMIGRAM_TESTS_SUPPORT_BYTES_H_
 #define LUMIGRAM_TESTS_SUPPORT_BYTES_H_
 
@@ -63,6 +63,25 @@ class TempFolder {
 };
 
 Bytes ReadWhole(const std::string& path);
+
+// Documents and their elements, right or wrong as told. Not inlined: GCC 12 would warn of texts
+// that overlap, which they cannot. The shortest document that all containers take, or one of the
+// size.
+[[gnu::noinline]] inline std::string Document(size_t size = 8) {
+  return "<emoji>" + std::string(size - 7, '.');
+}
+
+[[gnu::noinline]] inline std::string Tag(const std::string& name, const std::string& content) {
+  return "<tags name=\"" + name + "\">" + content + "</tags>";
+}
+[[gnu::noinline]] inline std::string Label(const std::string& name, const std::string& more = "") {
+  return "<label><name>" + name + "</name>" + more + "</label>";
+}
+[[gnu::noinline]] inline std::string Repeat(const std::string& text, size_t n) {
+  std::string all;
+  while (n-- > 0) all += text;
+  return all;
+}
 
 }  // namespace lumigram::test
 

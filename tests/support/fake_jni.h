@@ -48,7 +48,6 @@ class FakeJni {
     return static_cast<T>(NewRef(object));
   }
   JavaObject* At(jobject ref);  // what it stands for
-  int Calls(const std::string& function) { return calls_[function]; }
 
   // Runs the call with its first fallible JNI call failing, then with its second, and so on until
   // none fails. Each time it must have given back all that was lent to it and left no exception.
@@ -68,8 +67,7 @@ class FakeJni {
   std::vector<std::unique_ptr<JavaObject>> heap_;
   std::map<Values, JavaObject*> classes_;  // by the signatures of their fields
   std::vector<JavaObject*> refs_;          // a released reference's number is given out again
-  std::set<const void*> lentTexts_, lentBytes_;
-  std::map<std::string, int> calls_;
+  std::set<const void*> lent_;
   long arguments_ = 0;
   bool pending_ = false;
   int failIn_ = 0;

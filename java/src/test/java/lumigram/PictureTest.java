@@ -1,6 +1,7 @@
 package lumigram;
 
 import static java.nio.charset.StandardCharsets.ISO_8859_1;
+import static lumigram.jni.LumigramJni.*;
 import static org.junit.jupiter.api.Assertions.*;
 
 import java.awt.image.BufferedImage;
@@ -8,6 +9,7 @@ import java.io.File;
 import java.nio.file.Files;
 import java.util.*;
 import javax.imageio.ImageIO;
+import lumigram.jni.LumigramAttrInfo;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 import org.junit.jupiter.params.ParameterizedTest;
@@ -24,7 +26,7 @@ class PictureTest {
           .withTag("second", "x").withTag("color", "");
 
   static File picture(String kind) throws Exception {
-    File file = File.createTempFile("picture", "." + kind, folder);
+    File file = File.createTempFile("😀 笑", "." + kind, folder);
     ImageIO.write(new BufferedImage(7, 5, BufferedImage.TYPE_INT_RGB), kind, file);
     return file;
   }
@@ -36,6 +38,18 @@ class PictureTest {
   static void edit(File file, String old, String replacement) throws Exception {
     String bytes = Files.readString(file.toPath(), ISO_8859_1);
     Files.writeString(file.toPath(), bytes.replace(old, replacement), ISO_8859_1);
+  }
+
+  /** A JPEG picture with that document, of which a character is a byte. */
+  static File jpeg(String document) throws Exception {
+    File file = picture("jpg");
+    String size = "" + (char) (document.length() + 2 >> 8) + (char) (document.length() + 2 & 255);
+    edit(file, "\u00FF\u00D8", "\u00FF\u00D8\u00FF\u00FE" + size + document);
+    return file;
+  }
+
+  static String told(PictureInfo info) {
+    return info.labels() + info.category() + info.type() + info.tags();
   }
 
   static Picture written(File file, PictureInfo info) throws Exception {
@@ -136,12 +150,9 @@ class PictureTest {
     "1; <tags name='a'></tags><tags name='b'>y</tags><tags name='a'>x</tags>;[][a=, b=y];[tags: 1]"
   })
   void unreadIsNotLost(int times, String body, String told, String unread) throws Exception {
-    File file = picture("jpg");
-    String document = "<emoji>" + body.replace('\'', '"').repeat(times) + "</emoji>";
-    String size = "" + (char) (document.length() + 2 >> 8) + (char) (document.length() + 2 & 255);
-    edit(file, "\u00FF\u00D8", "\u00FF\u00D8\u00FF\u00FE" + size + document);
+    File file = jpeg("<emoji>" + body.replace('\'', '"').repeat(times) + "</emoji>");
     PictureInfo info = Picture.read(file).info();
-    assertEquals(told, info.labels() + info.category() + info.type() + info.tags());
+    assertEquals(told, told(info));
     refuses(file, info.withLabels(List.of()), unread);
     refuses(picture("jpg"), info, "from another file, " + file);
     written(file, info.asNew());
@@ -163,20 +174,79 @@ class PictureTest {
     File good = picture("gif");
     written(good, RICH);
     File cut = Files.write(new File(folder, "cut.gif").toPath(), new byte[9]).toFile();
-    List<File> files = new ArrayList<>(Collections.nCopies(300, good));
-    files.addAll(List.of(picture("jpg"), cut, new File("missing.gif"), new File("photo.bmp")));
+    List<File> files =
+        List.of(good, picture("jpg"), cut, new File("missing.gif"), new File("photo.bmp"));
     List<ReadResult> results = Picture.readAll(files);
-    assertEquals(RICH.toString(), results.get(299).picture().info().toString());
-    assertEquals(NEW.toString(), results.get(300).picture().info().toString());
+    assertEquals(RICH.toString(), results.get(0).picture().info().toString());
+    assertEquals(NEW.toString(), results.get(1).picture().info().toString());
     String[] codes = {"cut short (DAMAGED, -30)", "(CANNOT_OPEN, -20)", "(UNSUPPORTED_TYPE, -21)"};
     for (int i = 0; i < codes.length; i++) {
-      PictureException e = assertThrows(PictureException.class, results.get(301 + i)::picture);
+      PictureException e = assertThrows(PictureException.class, results.get(2 + i)::picture);
       assertTrue(e.getMessage().matches("\\Q" + e.file() + "\\E: The .*\\Q" + codes[i] + "\\E"));
-      assertEquals(files.get(301 + i), e.file());
+      assertEquals(files.get(2 + i), e.file());
       assertThrows(PictureException.class, () -> Picture.at(e.file()).tag("color"));
       assertThrows(PictureException.class, () -> Picture.at(e.file()).blob("", ""));
       assertThrows(PictureException.class, () -> Picture.at(e.file()).write(NEW));
     }
     assertEquals(List.of(), Picture.read(picture("jpg")).tag("color"));
+  }
+
+  @Test
+  void everyByteOfATextReachesJava() throws Exception {
+    String hex = "F09F98802EEDA0BDEDB8802EE381822EC0802EEDA0BD2EFF2EF09F982EE080802EF4908080";
+    String seen = "😀.😀.あ.\0.\uD83D.?.???.???.????".replace('?', '\uFFFD');
+    String document = "<emoji><label><name>T</name><note>T</note></label><category>T</category>"
+        + "<type>T</type><tags name=\"T\">T</tags></emoji>";
+    String raw = new String(HexFormat.of().parseHex(hex), ISO_8859_1);
+    PictureInfo info = Picture.read(jpeg(document.replace("T", raw))).info();
+    assertEquals("[T (T)]TT[T=T]".replace("T", seen), told(info));
+  }
+
+  @Test
+  void threadsWithSmallStacksReadTheSame() throws Exception {
+    List<File> files = new ArrayList<>();
+    for (String kind : List.of("gif", "png", "jpg")) {
+      files.addAll(Collections.nCopies(100, picture(kind)));
+      written(files.get(files.size() - 1), RICH);
+    }
+    List<ReadResult> results = Collections.synchronizedList(new ArrayList<>());
+    List<Thread> threads = new ArrayList<>();
+    for (int i = 0; i < 4; i++) {
+      threads.add(
+          new Thread(null, () -> results.addAll(Picture.readAll(files)), "reader", 256 * 1024));
+      threads.get(i).start();
+    }
+    for (Thread thread : threads) thread.join();
+    assertEquals(1200, results.size());
+    for (ReadResult read : results) {
+      assertEquals(RICH.toString(), read.picture().info().toString());
+    }
+  }
+
+  static class OnlyNumbers {
+    long mFileSize, mHeight, mWidth, mOrnamailPop;
+  }
+
+  @Test
+  void noExceptionOfTheNativeMethodsStaysBehind() throws Exception {
+    File file = picture("gif");
+    written(file, RICH);
+    String full = file.getPath();
+    String plain = picture("png").getPath();
+    LumigramAttrInfo tooShort = new LumigramAttrInfo();
+    tooShort.mTagsName = new String[99];
+    LumigramAttrInfo noArray = new LumigramAttrInfo();
+    noArray.mName = null;
+    LumigramAttrInfo last = new LumigramAttrInfo();
+    String[] paths = {full, full, plain, full, full, null, full, full};
+    Object[] objects = {"no fields", new OnlyNumbers(), new OnlyNumbers(), tooShort, noArray,
+        new LumigramAttrInfo(), null, last};
+    byte[] results = new byte[8];
+    assertEquals(0, getLumigramAttrInfo(paths, objects, results));
+    assertArrayEquals(new byte[] {-99, -99, 0, -99, -99, -99, -99, 0}, results);
+    assertEquals(96, Collections.frequency(Arrays.asList(last.mTagsName), ""));
+    assertEquals(-99, setLumigramAttrInfo(full, last));
+    assertEquals(-10, getLumigramTagInfo(full, null, new String[1]));
+    assertNull(getLumigramApplicationExtensionInfo(null, "", ""));
   }
 }

@@ -1,0 +1,363 @@
+// The native methods: the batch read, a tag group, a blob, and the writing of an object.
+#include <gtest/gtest.h>
+
+#include "jni/java_text.h"
+#include "jni/native_methods.h"
+#include "tests/support/fail_calls.h"
+#include "tests/support/fake_jni.h"
+#include "tests/support/jpeg_builder.h"
+#include "tests/support/png_builder.h"
+
+// What happens, in no time, when the product pauses.
+static std::function<void()> onPause;
+
+extern "C" unsigned sleep(unsigned) {
+  if (onPause != nullptr) onPause();
+  return 0;
+}
+
+namespace lumigram::test {
+namespace {
+
+Bytes Png(const std::string& inRoot) {
+  return PngStart() + PngDocument("<emoji>" + inRoot + "</emoji>") + kPngImage + kPngEnd;
+}
+
+const Bytes kBarePng = PngStart() + kPngImage + kPngEnd;
+const Bytes kFullPng =
+    Png(Label("smile", "<note>happy</note><part>名詞</part>") +
+        Label("wink", "<part>unknown</part>") + Tag("color", "yellow") +
+        "<category>face</category><type></type>" + Tag("motion", "") + Tag("color", "red"));
+
+std::string Number(size_t n) { return std::string("J").append(std::to_string(n)); }
+Values Sizes(const Bytes& picture, size_t height, size_t width) {
+  return {{"mFileSize", Number(picture.size())},
+          {"mHeight", Number(height)},
+          {"mWidth", Number(width)},
+          {"mOrnamailPop", "J0"}};
+}
+
+// The fields in the order in which they are written: what is there before, what the full picture
+// puts there, and an array that cannot take it.
+struct Field {
+  std::string name, old, full, tooShort;
+};
+const Field kFields[] = {
+    {"mFileSize", "J-7", Number(kFullPng.size()), ""},
+    {"mHeight", "J-7", "J16", ""},
+    {"mWidth", "J-7", "J32", ""},
+    {"mOrnamailPop", "J-7", "J0", ""},
+    {"mTags", "Sold", "Scolor,motion", ""},
+    {"mTagsName", "Aold*100", "Acolor|motion|color|*97", "Aold*99"},
+    {"mTagsElement", "Aold*101", "Ayellow||red|*97|old", "Aold*99"},
+    {"mCategory", "Sold", "Sface", ""},
+    {"mType", "Sold", "S", ""},
+    {"mName", "Aold*10", "Asmile|wink|old*8", "Aold"},
+    {"mNote", "Aold*2", "Ahappy|*1", "Aold"},
+    {"mPart", "B9*2", "B1|0", "B9"},
+};
+Values First(size_t n, std::string Field::*value) {
+  Values values;
+  for (size_t i = 0; i < n; ++i) values[kFields[i].name] = kFields[i].*value;
+  return values;
+}
+const Values kOld = First(12, &Field::old), kFull = First(12, &Field::full);
+
+class JniPicture : public testing::Test {
+ protected:
+  jstring Text(std::string_view text) { return vm_.Argument<jstring>(vm_.String(text)); }
+
+  // The status and the results, which were "old".
+  std::string LookUp(const std::string& path, std::string_view name, size_t entries = 10) {
+    JavaObject* results = vm_.Make({.elements = {entries, vm_.String("old")}});
+    std::string all = std::to_string(Java_lumigram_jni_LumigramJni_getLumigramTagInfo(
+        vm_.Env(), nullptr, Text(path), Text(name), vm_.Argument<jobjectArray>(results)));
+    for (const JavaObject* element : results->elements) all += "," + element->text;
+    return all;
+  }
+
+  // The blob's bytes; "null".
+  std::string Blob(const std::string& path, std::string_view label, std::string_view name) {
+    const auto array = Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(
+        vm_.Env(), nullptr, Text(path), Text(label), Text(name));
+    if (array == nullptr) return "null";
+    const std::string bytes(vm_.At(array)->bytes.begin(), vm_.At(array)->bytes.end());
+    vm_.Env()->DeleteLocalRef(array);
+    return bytes;
+  }
+
+  TempFolder folder_;
+  FakeJni vm_;
+};
+
+// A file and its bytes, or none to leave it as it is; its object's values; the result; the values
+// that change, besides the sizes.
+using Row = std::tuple<std::string, Bytes, Values, int, Values>;
+
+class JniRead : public JniPicture {
+ protected:
+  // There is one path more than objects, and one result more, which is 5 before.
+  int Read(const std::vector<Row>& rows) {
+    *paths_ = *objects_ = {};
+    codes_->bytes.assign(rows.size(), 0);
+    codes_->bytes.push_back(5);
+    for (const auto& [file, bytes, before, code, changes] : rows) {
+      const std::string path = bytes.empty() ? folder_.Path(file) : folder_.Write(file, bytes);
+      paths_->elements.push_back(vm_.String(path));
+      objects_->elements.push_back(vm_.Object(before));
+    }
+    paths_->elements.push_back(paths_->elements[0]);
+    return Java_lumigram_jni_LumigramJni_getLumigramAttrInfo(
+        vm_.Env(), nullptr, vm_.Argument<jobjectArray>(paths_),
+        vm_.Argument<jobjectArray>(objects_), vm_.Argument<jbyteArray>(codes_));
+  }
+
+  void Check(const std::vector<Row>& rows) {
+    EXPECT_EQ(Read(rows), 0);
+    EXPECT_EQ(codes_->bytes.back(), 5);
+    for (size_t i = 0; i < rows.size(); ++i) {
+      const auto& [file, bytes, before, code, changes] = rows[i];
+      EXPECT_EQ(codes_->bytes[i], code) << file;
+      Values expected = code == 0 ? Sizes(ReadWhole(folder_.Path(file)), 16, 32) : Values();
+      for (const Values& values : {changes, before}) expected.insert(values.begin(), values.end());
+      EXPECT_TRUE(vm_.Holds(objects_->elements[i], expected)) << file;
+    }
+  }
+
+  JavaObject *paths_ = vm_.Make(), *objects_ = vm_.Make(), *codes_ = vm_.Make();
+};
+
+TEST_F(JniRead, ReadsABatch) {
+  const std::string tooLong(25, 'x');
+  const Bytes cut = FirstOf(kFullPng, kFullPng.size() - 9), wide = PngStart(961, 5);
+  Bytes largest = kFullPng;
+  largest.resize(2097152);
+  const Bytes small = Png(Label("1") + Label("2") + Tag("c", ""));
+  const Values smallValues = {{"mTags", "Sc"},
+                              {"mTagsName", "Ac|*99"},
+                              {"mName", "A1|2|old*8"},
+                              {"mNote", "A*2"},
+                              {"mPart", "B0*2"}};
+  const Bytes refused = Png(Label("a") + Label(tooLong) + "<type>t</type>" + Tag("a", "long"));
+  const Bytes badTag = Png("<category>\xFF</category>" + Tag("c", "3") + Tag(tooLong, ""));
+  const Values refusedValues = {
+      {"mTags", "Sa"}, {"mTagsName", "Aa|*99"}, {"mTagsElement", "Along|*99|old"}, {"mType", "St"}};
+  // One file stays empty for the whole time that is waited for it, the next one for less.
+  folder_.Write("empty.png", {});
+  folder_.Write("late.png", {});
+  int pauses = 0;
+  onPause = [&] {
+    if (++pauses == 9) folder_.Write("late.png", kBarePng);
+  };
+  Check({
+      {"full.png", kFullPng, kOld, 0, kFull},
+      {"refused.png", refused, kOld, 0, refusedValues},
+      {"small.png", small, kOld, 0, smallValues},
+      {"photo.bmp", kFullPng, kOld, -21, {}},
+      {"missing.png", {}, kOld, -20, {}},
+      {"cut.png", cut, kOld, -30, Sizes(cut, 16, 32)},
+      {"wide.png", wide, kOld, -31, Sizes(wide, 5, 961)},
+      {"largest.png", largest, kOld, 0, kFull},
+      {"larger.png", largest + Bytes{0}, kOld, -99, {}},
+      {"bare.png", kBarePng, First(4, &Field::old), 0, {}},  // which needs four fields only
+      {"badtag.png", badTag, kOld, 0, {{"mCategory", "S\xEF\xBF\xBD"}}},
+      {"noname.png", Png(Tag("", "x")), kOld, 0, {{"mTagsElement", "Ax|*99|old"}}},
+      {"empty.png", {}, kOld, -99, {}},
+      {"late.png", {}, kOld, 0, {}},
+  });
+  onPause = nullptr;
+  EXPECT_EQ(pauses, 9);
+}
+
+// A field that is missing, or an array that cannot take what is due: what comes before is written.
+TEST_F(JniRead, StopsAtTheFirstFieldThatCannotBeWritten) {
+  for (size_t i = 0; i < std::size(kFields); ++i) {
+    const auto& [name, old, full, tooShort] = kFields[i];
+    const Values written = First(i, &Field::full);
+    Values before = kOld;
+    before.erase(name);
+    Check({{"full.png", kFullPng, before, -99, written}});
+    for (const std::string& array : {tooShort, old.substr(0, 1) + "~"}) {
+      before[name] = array;
+      if (!tooShort.empty()) Check({{"full.png", kFullPng, before, -99, written}});
+    }
+  }
+}
+
+TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
+  const Row row = {"full.png", kFullPng, kOld, 0, {}};
+  // Without the bulk copy each slot is stored.
+  const std::set<std::string> harmless = {"", "FindClass", "NewObjectArray", "GetStaticMethodID",
+                                          "CallStaticVoidMethodA"};
+  int status;
+  const auto read = [&] { status = Read({row, row}); };
+  vm_.FailEach(read, [&](const std::string& failed) {
+    EXPECT_EQ(status + codes_->bytes[0] + codes_->bytes[1], harmless.contains(failed) ? 0 : -99);
+    for (size_t i : {0u, 1u}) {
+      EXPECT_EQ(vm_.Holds(objects_->elements[i], kFull), status == 0 && codes_->bytes[i] == 0);
+    }
+  });
+  bool happened = true;
+  for (int nth = 0; happened; ++nth) {
+    const FailCalls fail(kAllCalls, nth, EIO,
+                         nth % 2 == 0 ? FailCalls::kOnce : FailCalls::kFromThenOn);
+    status = Read({row});
+    happened = fail.Happened();
+    EXPECT_TRUE(nth > 0 || status == -99) << "no memory";
+    if (status != 0) continue;
+    EXPECT_TRUE((std::set<int>{0, -20, -30, -99}.contains(codes_->bytes[0]))) << nth;
+    EXPECT_EQ(vm_.Holds(objects_->elements[0], kFull), codes_->bytes[0] == 0) << nth;
+  }
+}
+
+TEST(JavaText, AnyBytesBecomeModifiedUtf8) {
+  // A "?" stands for U+FFFD.
+  const std::string plain =
+      "\x01\x7F\xC0\x80\xC2\x80\xDF\xBF\xE0\xA0\x80\xE1\x80\x80\xEF\xBF\xBF\xED\xA0\xBD\xED\xB8"
+      "\x80";
+  const std::pair<std::string, std::string> rows[] = {
+      {plain, plain},
+      {plain + "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",
+       plain + "\xED\xA0\x80\xED\xB0\x80\xED\xAF\xBF\xED\xBF\xBF"},
+      {"\xF0\x8F\xBF\xBF.\xF4\x90\x80\x80.\xF5\x80\x80\x80", "????.????.????"},
+      {"\xC0\x81\xC1\xBF\xE0\x9F\xBFy\xE3\x81z\x80\xDF.", "???????y??z??."},
+      {"\xF0\x9F\x98", "???"},
+      {"a\xE3\x81", "a??"},
+      {"a\xDF", "a?"},
+      {std::string(kMaxJavaTextField - 1, '\xFF'), std::string(kMaxJavaTextField - 1, '?')},
+  };
+  FakeJni vm;
+  for (const auto& [text, expected] : rows) {
+    char field[kMaxJavaTextField] = {};
+    std::copy(text.begin(), text.end(), field);
+    std::string spelled;
+    for (char c : expected) spelled += c == '?' ? "\xEF\xBF\xBD" : std::string(1, c);
+    const jstring string = NewJavaString(vm.Env(), field);
+    EXPECT_EQ(vm.At(string)->text, spelled);
+    vm.Env()->DeleteLocalRef(string);
+  }
+}
+
+const std::string kTwoTags = "<emoji><tags name=\"a\">\xFF</tags><tags name=\"a\">2</tags>";
+
+TEST_F(JniPicture, LooksUpATagGroup) {
+  const std::string path = folder_.Write("a.png", PngStart() + PngDocument(kTwoTags) + kPngEnd);
+  const std::string found = "0,\xEF\xBF\xBD,2,,,,,,,,";
+  EXPECT_EQ(LookUp(path, "a", 11), found + ",old");
+  EXPECT_EQ(LookUp(path, "a", 1), "-99,old");
+  EXPECT_EQ(LookUp("missing", std::string(257, 'a')).substr(0, 7), "-10,old");
+  EXPECT_EQ(LookUp("missing", std::string(256, 'a')).substr(0, 7), "-21,old");
+  EXPECT_EQ(LookUp("missing.gif", "a").substr(0, 7), "-20,old");
+  std::string result;
+  vm_.FailEach([&] { result = LookUp(path, "a"); },
+               [&](const std::string& failed) {
+                 const std::string status = failed == "GetStringUTFChars" ? "-10" : "-99";
+                 EXPECT_EQ(result.substr(0, 3), failed.empty() ? found.substr(0, 3) : status);
+               });
+}
+
+TEST_F(JniPicture, CopiesABlob) {
+  const std::string bytes("a\0\xFF", 3);
+  const std::string png = folder_.Write(
+      "a.png", PngStart() + PngBlob("EMJ00000000", "x1", test::Text(bytes)) + kPngEnd);
+  EXPECT_EQ(Blob(folder_.Write("a.jpg", kJpegStart + JpegFrame() + kJpegEnd), "", ""), "null");
+  EXPECT_EQ(Blob(folder_.Write("0.png", {}), "EMJ", "x1"), "null");
+  EXPECT_EQ(Blob(png, "EMJ", "x2"), "null");
+  std::string found;
+  vm_.FailEach(
+      [&] { found = Blob(png, "EMJ", "x"); },
+      [&](const std::string& failed) { EXPECT_EQ(found, failed.empty() ? bytes : "null"); });
+}
+
+constexpr char kLabels[] = "mApplicationExtensionLabelName";
+constexpr char kUris[] = "mApplicationExtensionBinaryDataUri";
+
+class JniWrite : public JniPicture {
+ protected:
+  int Write(const Values& object, const std::string& path) {
+    return Java_lumigram_jni_LumigramJni_setLumigramAttrInfo(
+        vm_.Env(), nullptr, Text(path), vm_.Argument<jobject>(vm_.Object(object)));
+  }
+
+  const std::string blob_ = folder_.Write("wink.dat", test::Text("blob"));
+  const Bytes kept_ = PngBlob("EMJ00000000", "b.dat", test::Text("b"));
+  const Bytes old_ = PngStart() + kept_ + kPngImage + kPngEnd;
+  const std::string path_ = folder_.Write("a.png", old_);
+  // The second tag has a new blob, the third one that the picture has.
+  const Values full_ = {{"mName", "Asmile||wink|*7"},
+                        {"mNote", "Ahappy|dropped|*8"},
+                        {"mPart", "B1|2|-1"},
+                        {"mCategory", "Sface"},
+                        {"mType", "S~"},
+                        {"mTags", "Acolor|motion|sound|-|unseen"},
+                        {"mTagsElement", "Ayellow|ignored|file://THIS/a/b.dat"},
+                        {kLabels, "A-|EMJ"},
+                        {kUris, "A-|" + blob_}};
+};
+
+TEST_F(JniWrite, WritesEveryField) {
+  EXPECT_EQ(Write(full_, path_), 0);
+  const Bytes document = PngDocument(
+      "<emoji><label><name>smile</name><note>happy</note><part>名詞</part></label>"
+      "<label><name>wink</name></label><category>face</category><tags name=\"color\">yellow</tags>"
+      "<tags name=\"motion\">file://THIS/wink.dat</tags>"
+      "<tags name=\"sound\">file://THIS/a/b.dat</tags></emoji>");
+  const Bytes added = PngBlob("EMJ" + std::string(8, '\0'), "wink.dat", test::Text("blob"));
+  EXPECT_EQ(ReadWhole(path_), PngStart() + kept_ + document + added + kPngImage + kPngEnd);
+  Values none = full_;
+  none["mTags"] = "A~";
+  none["mCategory"] = "S~";
+  none["mName"] = "A*10";
+  EXPECT_EQ(Write(none, path_), 0);
+  EXPECT_EQ(ReadWhole(path_), PngStart() + PngDocument("<emoji></emoji>") + kPngImage + kPngEnd);
+  // What stands behind the hundredth tag is not looked at.
+  none["mTags"] = "Ac*101";
+  none["mTagsElement"] = "Ax*100";
+  EXPECT_EQ(Write(none, path_), 0);
+}
+
+TEST_F(JniWrite, RefusesWhatIsNotComplete) {
+  // A field, its value or none when the class lacks it, and the status.
+  std::vector<std::tuple<std::string, std::string, int>> rows = {
+      {"mName", "A*9", -99},
+      {"mName", "A1234567890123456789012345|*9", -41},
+      {"mNote", "A*9", -99},
+      {"mTagsElement", "Ayellow|-|x", -99},
+      {"mTagsElement", "Afile://THIS/wink.dat|ignored|x", -50},
+      // The name is taken before the text is cut.
+      {"mTagsElement", "Afile://THIS/" + std::string(1100, 'x') + "/wink.dat|ignored|x", -50},
+      {kLabels, "AEMJ|EMJ", -99},
+      {kLabels, "A", -99},
+      {kUris, "A-", -99},
+      {kUris, "A-|wink.dat", -99},
+      {kUris, "A-|/missing/wink.dat", -41},
+  };
+  for (const auto& [field, value] : full_) {
+    rows.push_back({field, "", -99});
+    if (value[0] != 'S' && field != "mTags") rows.push_back({field, value.substr(0, 1) + "~", -99});
+  }
+  for (const auto& [field, value, status] : rows) {
+    Values object = full_;
+    object[field] = value;
+    if (value.empty()) object.erase(field);
+    EXPECT_EQ(Write(object, path_), status) << field << value;
+    EXPECT_EQ(ReadWhole(path_), old_) << field << value;
+  }
+  EXPECT_EQ(Write(full_, folder_.Path("a.bmp")), -21);
+  EXPECT_EQ(Write(full_, folder_.Path("missing.png")), -20);
+  EXPECT_EQ(Write({}, folder_.Path("a.bmp")), -99);
+}
+
+TEST_F(JniWrite, AFailureOfTheMachineLeavesThePictureAlone) {
+  int status;
+  const auto write = [&] {
+    folder_.Write("a.png", old_);
+    status = Write(full_, path_);
+  };
+  vm_.FailEach(write, [&](const std::string& failed) {
+    EXPECT_EQ(status, failed.empty() ? 0 : -99);
+    EXPECT_EQ(ReadWhole(path_) == old_, !failed.empty());
+  });
+}
+}  // namespace
+}  // namespace lumigram::test

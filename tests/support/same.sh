@@ -1,0 +1,9 @@
+# For the scripts beside: compares lists of lines, and counts what differs.
+failures=0
+
+# same NAME WANTED GOT: two lists of lines
+same() {
+  if [ "$2" = "$3" ]; then echo "PASS $1"; return; fi
+  echo "FAIL $1 (< wanted, > got)" && failures=$((failures + 1))
+  diff <(echo "$2") <(echo "$3")
+}
