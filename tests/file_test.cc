@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "core/base/byte_source.h"
 #include "lumigram.h"
 #include "tests/support/gif_builder.h"
 #include "tests/support/jpeg_builder.h"
@@ -107,6 +108,7 @@ TEST(Sizes, StopAtWhatA32BitPositionCanTell) {
       const ScopedFile stream(fopen(path.c_str(), mode));
       int32_t size = 0;
       EXPECT_EQ(CommonGetFileSize(stream.get(), &size), -over) << mode;
+      EXPECT_EQ(ByteSource(stream.get()).Measure(), over == 0) << mode;
       EXPECT_EQ(GetFileLength(stream.get()), over ? -1 : 2147483647) << mode;
     }
   }

@@ -1,6 +1,5 @@
 #include "core/write/document_builder.h"
 
-#include <algorithm>
 #include <initializer_list>
 #include <string_view>
 
@@ -60,7 +59,10 @@ class DocumentBuilder {
     for (std::string_view piece : pieces) size += piece.size();
     uint8_t* room = text_.Claim(size);
     if (room == nullptr) return Refuse(kTooLong);
-    for (std::string_view piece : pieces) room = std::copy(piece.begin(), piece.end(), room);
+    for (std::string_view piece : pieces) {
+      piece.copy(reinterpret_cast<char*>(room), piece.size());
+      room += piece.size();
+    }
   }
 
   OutputBuffer text_;
