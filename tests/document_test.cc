@@ -202,6 +202,16 @@ TEST(BuildDocument, ElementsInTheirOrder) {
                 "<type>y</type><tags name=\"t<\">c&</tags><tags name=\"t<\"></tags>");
 }
 
+// No document of a picture is as long; a caller's may be.
+TEST(GetLabelInfo, LabelsAsLongAsADocument) {
+  for (const size_t size : {10240u, 10241u}) {
+    std::string document =
+        "<emoji><label><name>a</name>" + std::string(size - 29, ' ') + "</label></emoji>";
+    AttrInfo attr = {};
+    EXPECT_EQ(GetLabelInfo(document.data(), &attr), size == 10240 ? 0 : -40);
+  }
+}
+
 TEST(BuildDocument, LimitsAndOrderOfFaults) {
   const std::string at = "語語語語語語語語語語語語語語語語語語語語語語語語", over = at + "x";
   AttrInfo attr = {};
