@@ -64,7 +64,6 @@ TEST(Arguments, NullIsRefused) {
   ExpectRefusesNull(-1, GetFileType, "a.gif", &type);
   ExpectRefusesNull(-1, GetElementContent, text, "<a>", "</a>", nullptr);
   ExpectRefusesNull(-1, GetElementTagContent, text, "<a>", "</a>", nullptr, nullptr);
-  EXPECT_EQ(SetXmlStringToFile(file, "p.png", &attr, 4), -99) << "no such type";
   EXPECT_EQ(GetElementTagContent(text, "<a>", "</a>", out8, out8), -41) << "no end of a name";
   EXPECT_EQ(GetElementTagContent(text, "<a>", "</a>", out8, nullptr), 0);
   EXPECT_EQ(SetChunkCrc(99, &position, out, 64), -99) << "more than there is";

@@ -175,12 +175,11 @@ TEST(ReplaceFile, EachCallFailing) {
 // Paths that are too long themselves, or for the name of a file beside the picture.
 TEST(ReplaceFile, LongPaths) {
   const Scene scene;
-  for (const size_t size : {4085u, 4096u, 5000u}) {
-    std::string folder = scene.Path("");
-    while (folder.size() + 5 < size) folder += "./";
-    EXPECT_EQ(ReplaceFile((folder + "p.png").c_str(), kLonger), kCannotWrite);
+  for (std::string folder = scene.Path(""); folder.size() < 4100; folder += "./") {
+    const bool fits = folder.size() + 22 < 4096;  // with the name of a file beside the picture
+    if (fits && folder.size() < 4060) continue;
+    EXPECT_EQ(ReplaceFile((folder + "p.png").c_str(), kLonger) == kOk, fits) << folder.size();
   }
-  EXPECT_EQ(ReadWhole(scene.Path()), kOld);
 }
 
 // Which failures lead to writing in place, and which are failures.

@@ -18,15 +18,15 @@ namespace {
 
 // Measures and copies a blob. A JPEG has none.
 int32_t CopyBlob(FILE* stream, FileType type) {
-  if (type == kFileTypeJpeg) return 0;
   const bool isGif = type == kFileTypeGif;
-  uint32_t size = 0, length = 0;
+  const auto measure =
+      isGif ? GetSizeApplicationExtensionFromGif : GetSizeApplicationExtensionFromPng;
+  const auto copy = isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng;
+  uint32_t size = 0;
   uint8_t data[100];
-  const int32_t status = (isGif ? GetSizeApplicationExtensionFromGif
-                                : GetSizeApplicationExtensionFromPng)(stream, &size, "b");
-  if (status != 0) return status;
-  return (isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng)(
-      stream, data, &length, "EMJ", "b");
+  if (type == kFileTypeJpeg) return 0;
+  const int32_t status = measure(stream, &size, "b");
+  return status != 0 ? status : copy(stream, data, &size, "EMJ", "b");
 }
 
 // Writes the record, or reads the category and a blob; in blocks or through stdio.
