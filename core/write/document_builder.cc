@@ -1,5 +1,7 @@
 #include "core/write/document_builder.h"
 
+#include <string.h>
+
 #include <initializer_list>
 #include <string_view>
 
@@ -60,7 +62,7 @@ class DocumentBuilder {
     uint8_t* room = text_.Claim(size);
     if (room == nullptr) return Refuse(kTooLong);
     for (std::string_view piece : pieces) {
-      piece.copy(reinterpret_cast<char*>(room), piece.size());
+      memcpy(room, piece.data(), piece.size());
       room += piece.size();
     }
   }
