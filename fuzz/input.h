@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "core/file/extraction.h"
 #include "lumigram.h"
 #include "tests/support/bytes.h"
 
@@ -98,17 +99,33 @@ inline ReadResult ReadPicture(const Bytes& picture, FileType type) {
   return ReadPicture(test::Stream(picture).get(), type);
 }
 
-// A picture is read the same way in blocks and through stdio; neither the picture nor a byte behind
-// a buffer changes.
+// As a batch reads it: from the file's descriptor, without a stream.
+inline ReadResult ReadByDescriptor(const Bytes& picture, FileType type) {
+  ReadResult result;
+  const auto document = Block(kLumigramDocumentBufferBytes);
+  const ScopedFile stream = test::Stream(picture);
+  ByteSource source(fileno(stream.get()), picture.size());
+  result.status =
+      ExtractDocument(source, type, document.get(), &result.height, &result.width, &result.pop);
+  if (result.status == kLumigramNoDocument) result.status = 0;
+  result.document.assign(document.get(), strnlen(document.get(), kLumigramDocumentBufferBytes));
+  result.position = static_cast<long>(source.Position());
+  return result;
+}
+
+// A picture is read the same way in blocks, through stdio and without a stream; neither the picture
+// nor a byte behind a buffer changes.
 inline void CheckReader(const Bytes& picture, FileType type,
                         std::initializer_list<int32_t> statuses) {
   const ReadResult inBlocks = ReadPicture(picture, type);
   RequireStatus(inBlocks.status, statuses);
   const ScopedFile stream = test::Stream(picture, test::Opened::kForUpdate);
   ReadResult throughStdio = ReadPicture(stream.get(), type);
+  ReadResult byDescriptor = ReadByDescriptor(picture, type);
   // How far a reader came in a picture that it refused depends on how it looked ahead.
-  if (inBlocks.status != 0) throughStdio.position = inBlocks.position;
-  Require(inBlocks == throughStdio, "both ways of reading agree");
+  if (inBlocks.status != 0) throughStdio.position = byDescriptor.position = inBlocks.position;
+  Require(inBlocks == throughStdio, "both kinds of stream give the same");
+  Require(inBlocks == byDescriptor, "a stream and a descriptor give the same");
   rewind(stream.get());
   Bytes after(picture.size() + 1);
   Require(fread(after.data(), 1, after.size(), stream.get()) == picture.size(),

@@ -12,7 +12,6 @@
 #include "core/base/bytes.h"
 
 namespace lumigram {
-
 namespace {
 
 bool IsReadOnly(FILE* stream, int descriptor) {
