@@ -8,37 +8,30 @@
 namespace lumigram::test {
 namespace {
 
-using Measure = decltype(&GetSizeApplicationExtensionFromGif);
-using Copy = decltype(&GetApplicationExtensionDataFromGif);
-
-// With the wanted "status size, status bytes"; without a label, nothing is copied.
-struct Case {
-  Bytes picture;
-  const char *label, *name;
-  std::string want;
-};
-
-// The size query and the copy, on a picture behind three odd bytes.
-std::string Find(Measure measure, Copy copy, const Case& c, Opened opened) {
-  const ScopedFile stream = Stream(Bytes(3, 0x3B) + c.picture, opened);
+// The size query and the copy, on a picture that follows three odd bytes: "status size, status
+// bytes". Without a label, nothing is copied.
+std::string Find(const Bytes& picture, const char* label, const char* name, Opened opened) {
+  const bool isGif = picture[0] == 'G';
+  const auto measure =
+      isGif ? GetSizeApplicationExtensionFromGif : GetSizeApplicationExtensionFromPng;
+  const auto copy = isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng;
+  const ScopedFile stream = Stream(Bytes(3, 0x3B) + picture, opened);
   fseek(stream.get(), 3, SEEK_SET);
   uint32_t size = 77, length = 77;
-  const int32_t sized = measure(stream.get(), &size, c.name);
+  const int32_t sized = measure(stream.get(), &size, name);
   EXPECT_TRUE(sized != 0 || ftell(stream.get()) == 3) << "the writer reads on from there";
   const std::string result = std::to_string(sized) + " " + std::to_string(size) + ", ";
-  if (c.label == nullptr) return result;
+  if (label == nullptr) return result;
   fseek(stream.get(), 3, SEEK_SET);
-  Bytes data(c.picture.size() + 1);
-  const int32_t copied = copy(stream.get(), data.data(), &length, c.label, c.name);
+  Bytes data(picture.size() + 1);
+  const int32_t copied = copy(stream.get(), data.data(), &length, label, name);
   EXPECT_EQ(Bytes(data.begin() + length, data.end()), Bytes(data.size() - length)) << "no more";
   return result + std::to_string(copied) + " " + std::string(&data[0], &data[length]);
 }
 
-void Check(Measure measure, Copy copy, const std::vector<Case>& cases) {
-  for (const Case& c : cases) {
-    for (Opened opened : kBothWays)
-      EXPECT_EQ(Find(measure, copy, c, opened), c.want) << "case " << &c - cases.data();
-  }
+void Check(const char* what, const Bytes& picture, const char* label, const char* name,
+           const std::string& want) {
+  for (Opened opened : kBothWays) EXPECT_EQ(Find(picture, label, name, opened), want) << what;
 }
 
 const std::string kLong = Document(600), kShort(40, 's'), kLonger(12290, 'x');
@@ -48,42 +41,40 @@ const Bytes kNameless = GifApplication("EMJ", {0}), kNoIdentifier = GifApplicati
 const Bytes kStart = GifScreen(960, 960), kEnd = GifImage(961, 961) + kGifEnd;
 const Bytes kBlobs = kNoIdentifier + kShortBlob + GifComment("EMJ") +
                      GifApplication("EM", GifChain({1, 2, 3})) + kLongBlob + kEnd;
+const Bytes kPicture = kStart + kBlobs, kTwoNames = kStart + kNameless + kShortBlob + kEnd;
 
 TEST(GifBlobs, AreFound) {
   const Bytes twoSubBlocks = GifApplication("HTMLEMJI1.0", {1, 'n', 2, 'x', 'y', 1, 'z', 0});
   const char* const longer = kLonger.c_str();
-  const std::vector<Case> cases = {
-      {kStart + twoSubBlocks + kEnd, nullptr, nullptr, "0 0, "},
-      {kStart + kBlobs, nullptr, nullptr, "0 688, "},
-      {kStart + kBlobs, "EMJLABEL001", "a.bin", "0 62, 0 " + kShort},
-      {kStart + kBlobs, "EMJ", "abc", "0 626, 0 " + kLong},
-      {kStart + kBlobs, "EMJ2", "a", "0 62, 0 " + kLong},
-      {kStart + kBlobs, "EMJ3", "abc.bin.", "0 0, 0 "},
-      {kStart + twoSubBlocks + kBlobs, "", "", "0 62, 0 xyz"},
-      {kStart + GifBlob("EMJ", "n", {}) + kEnd, "EMJ", "n", "0 17, 0 "},
-      // The head counts as 14 bytes, also when the identifier is short.
-      {kStart + GifApplication("EMJ", GifChain({1, 2, 3})) + kEnd, nullptr, nullptr, "0 19, "},
-      // A label longer than the identifier is compared with what follows.
-      {kStart + kBlobs, "EMJLABEL001\5a.bin(ss", "a.bin", "0 62, 0 " + kShort},
-      {kStart + kBlobs, "EMJLABEL001\5a.bin)ss", "a.bin", "0 62, 0 "},
-      // An empty name is without data, and the file goes on behind it.
-      {kStart + kNameless + kShortBlob + kEnd, "EMJ", "", "0 15, 0 "},
-      {kStart + kNameless + kShortBlob + kEnd, "EMJ", "a", "0 62, 0 " + kShort},
-      {kStart + kNoIdentifier + Bytes{7}, "", "", "0 0, 0 "},
-      {kStart + kNoIdentifier + Bytes{7}, "EM", "", "0 0, -30 "},
-      // A truncated picture never counts for more than it has.
-      {kStart + FirstOf(kLongBlob, 600), nullptr, nullptr, "-30 535, "},
-      {kStart + FirstOf(kLongBlob, 600), "EMJ", "", "-30 535, -30 " + kLong.substr(0, 510)},
-      {kStart + FirstOf(kLongBlob, 18), "EMJ", "", "-30 0, -30 "},
-      {FirstOf(kStart, 12), "EMJ", "", "-30 0, -30 "},
-      {GifScreen(961, 1) + kBlobs, "EMJ", "a", "0 62, -31 "},
-      {GifScreen(1, 961) + kBlobs, "EMJ", "a", "0 62, -31 "},
-      // Nothing longer than 12,289 bytes is looked for.
-      {kStart + kBlobs + Bytes(12289, 0), longer + 1, longer + 1, "0 0, 0 "},
-      {kStart + kBlobs + Bytes(12289, 0), longer, "a", "0 62, -99 "},
-      {kStart + kBlobs + Bytes(12289, 0), "EMJ", longer, "-99 0, -99 "},
-  };
-  Check(GetSizeApplicationExtensionFromGif, GetApplicationExtensionDataFromGif, cases);
+  const Bytes padded = kPicture + Bytes(12289, 0);
+  Check("no blob", kStart + twoSubBlocks + kEnd, nullptr, nullptr, "0 0, ");
+  Check("all", kPicture, nullptr, nullptr, "0 688, ");
+  Check("short one", kPicture, "EMJLABEL001", "a.bin", "0 62, 0 " + kShort);
+  Check("first of a label", kPicture, "EMJ", "abc", "0 626, 0 " + kLong);
+  Check("first of a name", kPicture, "EMJ2", "a", "0 62, 0 " + kLong);
+  Check("none", kPicture, "EMJ3", "abc.bin.", "0 0, 0 ");
+  Check("first extension", kStart + twoSubBlocks + kBlobs, "", "", "0 62, 0 xyz");
+  Check("empty blob", kStart + GifBlob("EMJ", "n", {}) + kEnd, "EMJ", "n", "0 17, 0 ");
+  // The head counts as 14 bytes, also when the identifier is short.
+  Check("short identifier", kStart + GifApplication("EMJ", GifChain({1, 2, 3})) + kEnd, nullptr,
+        nullptr, "0 19, ");
+  // A label longer than the identifier is compared with what follows.
+  Check("long label", kPicture, "EMJLABEL001\5a.bin(ss", "a.bin", "0 62, 0 " + kShort);
+  Check("other long label", kPicture, "EMJLABEL001\5a.bin)ss", "a.bin", "0 62, 0 ");
+  // An empty name has no data.
+  Check("empty name", kTwoNames, "EMJ", "", "0 15, 0 ");
+  Check("after an empty name", kTwoNames, "EMJ", "a", "0 62, 0 " + kShort);
+  Check("odd end", kStart + kNoIdentifier + Bytes{7}, "", "", "0 0, 0 ");
+  // A truncated picture never counts for more than it has.
+  Check("all cut", kStart + FirstOf(kLongBlob, 600), nullptr, nullptr, "-30 535, ");
+  Check("cut in the data", kStart + FirstOf(kLongBlob, 600), "EMJ", "",
+        "-30 535, -30 " + kLong.substr(0, 510));
+  Check("screen too wide", GifScreen(961, 1) + kBlobs, "EMJ", "a", "0 62, -31 ");
+  Check("screen too high", GifScreen(1, 961) + kBlobs, "EMJ", "a", "0 62, -31 ");
+  // Nothing longer than 12,289 bytes is looked for.
+  Check("longest wanted", padded, longer + 1, longer + 1, "0 0, 0 ");
+  Check("label too long", padded, longer, "a", "0 62, -99 ");
+  Check("name too long", padded, "EMJ", longer, "-99 0, -99 ");
 }
 
 const std::string kLarge(70000, 'x');
@@ -93,25 +84,20 @@ const Bytes kAll =
     kHead + kOne + kForeign + kPngImage + PngBlob("EMJBLOB-1.0", "two", Text(kLarge)) + kPngEnd;
 
 TEST(PngBlobs, ByNameAndLabel) {
-  const std::string longest(65536, 'n'), longer(65537, 'n'),
-      other = std::string("m").append(longest, 1);
+  const std::string longest(65536, 'n'), longer(65537, 'n');
   const Bytes longNamed = kHead + PngBlob("EMJBLOB-1.0", longest + longest, {'d'});
-  Check(GetSizeApplicationExtensionFromPng, GetApplicationExtensionDataFromPng,
-        {
-            {kAll, nullptr, nullptr, "0 70075, "},
-            {FirstOf(kAll, kAll.size() - 13), nullptr, nullptr, "-30 70075, "},
-            {kAll, "EMJ", "", "0 41, 0 one"},
-            {kAll, "EMJBLOB-1.0", "one", "0 41, 0 one"},
-            {kAll, "EMJ", "two", "0 70034, 0 " + kLarge},
-            {kAll, "EMJ", "one.bin.", "0 0, 0 "},
-            {kAll, "", "two", "0 70034, 0 4"},
-            {kAll, "EMJ0", "one", "0 41, 0 "},
-            {kAll, "EMJBLOB-1.0x", "one", "0 41, 0 "},
-            {kAll, longer.c_str(), "one", "0 41, -99 "},
-            {longNamed, "EMJ", longest.c_str(), "0 131104, 0 d"},
-            {longNamed, "EMJ", other.c_str(), "-30 0, -30 "},
-            {longNamed, "EMJ", longer.c_str(), "-99 0, -99 "},
-        });
+  Check("all", kAll, nullptr, nullptr, "0 70075, ");
+  Check("all, without an end", FirstOf(kAll, kAll.size() - 13), nullptr, nullptr, "-30 70075, ");
+  Check("first of a label", kAll, "EMJ", "", "0 41, 0 one");
+  Check("by both", kAll, "EMJBLOB-1.0", "one", "0 41, 0 one");
+  Check("by name", kAll, "EMJ", "two", "0 70034, 0 " + kLarge);
+  Check("none", kAll, "EMJ", "one.bin.", "0 0, 0 ");
+  Check("foreign label", kAll, "", "two", "0 70034, 0 4");
+  Check("other label", kAll, "EMJ0", "one", "0 41, 0 ");
+  Check("label over its field", kAll, "EMJBLOB-1.0x", "one", "0 41, 0 ");
+  Check("label too long", kAll, longer.c_str(), "one", "0 41, -99 ");
+  Check("longest name", longNamed, "EMJ", longest.c_str(), "0 131104, 0 d");
+  Check("name too long", longNamed, "EMJ", longer.c_str(), "-99 0, -99 ");
 }
 
 TEST(PngBlobs, Damage) {
@@ -119,24 +105,15 @@ TEST(PngBlobs, Damage) {
     return kHead + Patched(Patched(kOne, 8 + 11, Be32(nameLength)), 8 + 15 + 7, Be32(dataLength));
   };
   const std::string crc(kOne.end() - 4, kOne.end());
-  Check(GetSizeApplicationExtensionFromPng, GetApplicationExtensionDataFromPng,
-        {
-            {kHead + PngChunk("emJe", Text("EM")), "EMJ", "", "-30 0, -30 "},
-            {kHead + FirstOf(kOne, 8 + 15 + 6), "EMJ", "one.bin", "-30 0, -30 "},
-            {kHead + kForeign, "EMJ", "two", "-30 0, -30 "},
-            {kHead + kPngHuge + kPngEnd, "EMJ", "one", "-30 0, -30 "},
-            {Patched(kAll, 0, {7}), "EMJ", "one", "0 41, -30 "},
-            {FirstOf(kHead, 32), "EMJ", "one", "-30 0, -30 "},
-            {PngStart(960, 960) + kOne, "EMJ", "", "0 41, 0 one"},
-            {PngStart(961, 1) + kOne, "EMJ", "", "0 41, -31 "},
-            {PngStart(1, 961) + kOne, "EMJ", "", "0 41, -31 "},
-            // The lengths as stored: of the name, which may be too short or more than the
-            // file, and of the data, up to the file's end and over it.
-            {claim(0, 3), "EMJ", "one.bin", "0 41, 0 one"},
-            {claim(UINT32_MAX, 3), "EMJ", "one.bin", "0 41, -30 "},
-            {claim(7, 3 + 4), "EMJ", "one", "0 41, 0 one" + crc},
-            {claim(7, 3 + 5), "EMJ", "one", "0 41, -99 "},
-        });
+  Check("huge chunk", kHead + kPngHuge + kPngEnd, "EMJ", "one", "-30 0, -30 ");
+  Check("signature", Patched(kAll, 0, {7}), "EMJ", "one", "0 41, -30 ");
+  Check("largest", PngStart(960, 960) + kOne, "EMJ", "", "0 41, 0 one");
+  Check("too wide", PngStart(961, 1) + kOne, "EMJ", "", "0 41, -31 ");
+  Check("too high", PngStart(1, 961) + kOne, "EMJ", "", "0 41, -31 ");
+  Check("name longer than stored", claim(0, 3), "EMJ", "one.bin", "0 41, 0 one");
+  Check("stored name over the end", claim(UINT32_MAX, 3), "EMJ", "one.bin", "0 41, -30 ");
+  Check("data up to the end", claim(7, 3 + 4), "EMJ", "one", "0 41, 0 one" + crc);
+  Check("data over the end", claim(7, 3 + 5), "EMJ", "one", "0 41, -99 ");
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
-// The cursor over a picture's stream: block edges, clamping, and where the stream stands
-// afterwards.
+// The cursor over a picture's stream: block edges, clamping, and the stream's position afterwards.
 #include "core/base/byte_source.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/bytes.h"
+#include "tests/support/fail_calls.h"
 
 namespace lumigram::test {
 namespace {
@@ -15,11 +15,11 @@ Bytes Counting(size_t n) {
   return bytes;
 }
 
-// From byte 5 on, the first piece of a large file ends at 4101, and the block behind it at 20485.
+// From byte 5 on, the first piece of a large file ends at 4101, and the next block at 20485.
 TEST(ByteSource, WalksTheSameWayBothWaysWhereverBlocksEnd) {
   for (Opened opened : kBothWays) {
     for (size_t at : {6u, 4099u, 4100u, 4101u, 20484u}) {
-      SCOPED_TRACE(at);
+      SCOPED_TRACE("the pair is at byte " + std::to_string(at));
       const Bytes bytes = Patched(Counting(40000), at - 1, {0xFF, 0xFF, 0xD9});
       const ScopedFile stream = Stream(bytes, opened);
       fseek(stream.get(), 5, SEEK_SET);
@@ -54,31 +54,40 @@ TEST(ByteSource, WalksTheSameWayBothWaysWhereverBlocksEnd) {
 TEST(ByteSource, ReadsAPipeExactlyAsFarAsAsked) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  ASSERT_EQ(write(ends[1], "abcdef", 6), 6);
+  const Bytes bytes = Counting(40000);
+  ASSERT_EQ(write(ends[1], bytes.data(), 40000), 40000);
   close(ends[1]);
   ScopedFile stream(fdopen(ends[0], "rb"));
   ByteSource source(stream.get());
   EXPECT_FALSE(source.Measure());
   uint8_t byte;
-  ASSERT_TRUE(source.Skip(2) && source.ReadByte(&byte));
-  EXPECT_EQ(byte, 'c');
-  EXPECT_EQ(fgetc(stream.get()), 'd');
+  ASSERT_TRUE(source.Skip(20000) && source.ReadByte(&byte));
+  EXPECT_EQ(byte, bytes[20000]);
+  EXPECT_EQ(fgetc(stream.get()), bytes[20001]);
 }
 
-TEST(ByteSource, AFileThatChangesBetweenMeasuringAndReading) {
+TEST(ByteSource, AFileThatChangesAfterItIsMeasured) {
   const TempFolder folder;
-  const std::string path = folder.Write("a", Counting(100));
-  const ScopedFile stream(fopen(path.c_str(), "rb"));
-  ByteSource source(stream.get());
-  ASSERT_TRUE(source.Measure());
-  folder.Write("a", Counting(5000));
-  uint8_t byte;
-  ASSERT_TRUE(source.ReadByte(&byte) && source.Skip(1000));
-  EXPECT_FALSE(source.ReadByte(&byte)) << "growth is not seen";
-  ASSERT_TRUE(source.Rewind());
-  folder.Write("a", {});
-  Bytes more(101);
-  EXPECT_FALSE(source.Read(more));
+  for (size_t size : {100u, 20000u}) {
+    SCOPED_TRACE(size == 100 ? "small: read whole" : "large: read in pieces");
+    const ScopedFile stream(fopen(folder.Write("a", Counting(size)).c_str(), "rb"));
+    fseek(stream.get(), 3, SEEK_SET);
+    uint8_t byte;
+    {
+      ByteSource source(stream.get());
+      ASSERT_TRUE(source.Measure());
+      folder.Write("a", Counting(60000));
+      const FailCalls interrupted("pread64", 0, EINTR);
+      ASSERT_TRUE(source.Skip(size - 13) && source.ReadByte(&byte) && source.Skip(1000));
+      EXPECT_FALSE(source.ReadByte(&byte)) << "growth is not seen";
+      folder.Write("a", {});
+      Bytes more(6000);
+      EXPECT_TRUE(source.Rewind() && !source.Read(more)) << "a missing rest is";
+      EXPECT_EQ(source.ReadByte(&byte), size == 100);
+      EXPECT_TRUE(source.Skip(1000));
+    }
+    EXPECT_FALSE(feof(stream.get())) << "the caller's stream has no end-of-file flag";
+  }
 }
 
 }  // namespace

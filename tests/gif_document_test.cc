@@ -28,105 +28,80 @@ TEST(GifReader, Documents) {
   const std::string longest = Document(10240), shorter = Document(10190);
   const Bytes otherFirst = {0x21, 0xFE, 5, 'o', 't', 'h', 'e', 'r'}, cut = {0x21, 0xFE, 1};
   const Bytes unknown = {0x21, 0xCE, 40}, image = FirstOf(GifImage(40, 30, 0), 11);
-  const struct {
-    Bytes blocks;
-    int32_t status;
-    std::string document;
-  } cases[] = {
-      {GifComment("text") + GifComment("<emoji") + kEnd, 0, ""},
-      {kGifControl + kGifPlainText + kDocument + kEnd, 0, kText},
-      {GifComment(Document(522)) + kEnd, 0, Document(522)},
-      {GifComment("12345<emoji", 5) + otherFirst + GifChain(Text(kText)) + kEnd, 0, kText},
-      {GifComment("<emoji>") + kEnd, 0, "<emoji>"},
-      {GifImage() + kDocument + GifComment("<emoji>2") + kGifEnd, 0, kText},
-      // The limit holds for every comment, and comes before truncation.
-      {GifComment(longest) + kEnd, 0, longest},
-      {GifComment(longest + "x") + kEnd, -41, longest.substr(0, 10200)},
-      {GifComment(shorter) + GifComment(std::string(50, 'x')) + kEnd, 0, shorter},
-      {GifComment(shorter) + GifComment(std::string(51, 'x')) + kEnd, -41, shorter},
-      {GifComment(longest) + cut, -41, longest},
-      // The file's last byte ends the walk, but not right behind the screen.
-      {{7}, -30, ""},
-      {{7, 7}, 0, ""},
-      {kDocument + Bytes{0x21}, 0, kText},
-      {kGifEnd + kDocument + kGifEnd, 0, ""},
-      // What is no block that we know of is looked through for the next one.
-      {Bytes{7, 0} + unknown + kDocument + Bytes{8} + kEnd, 0, kText},
-      {unknown + kGifEnd + kDocument + kEnd, 0, ""},
-      // Image data that claim all that is left of the file (57 bytes) end there.
-      {image + Bytes{57} + kDocument + Bytes(13, 7), 0, kText},
-      {image + Bytes{57} + kDocument + Bytes(14, 7), -30, ""},
+  const auto check = [](const char* what, const Bytes& blocks, int status, std::string document) {
+    const std::string want = std::to_string(status) + " 100x80 0" + document;
+    EXPECT_EQ(Read(GifScreen(100, 80, "GIF87a") + blocks), want) << what;
   };
-  for (const auto& c : cases) {
-    const std::string want = std::to_string(c.status) + " 100x80 0" + c.document;
-    EXPECT_EQ(Read(GifScreen(100, 80, "GIF87a") + c.blocks), want) << "case " << &c - cases;
-  }
+  check("other comments", GifComment("text") + GifComment("<emoji") + kEnd, 0, "");
+  check("after others", kGifControl + kGifPlainText + kDocument + kEnd, 0, kText);
+  check("three sub-blocks", GifComment(Document(522)) + kEnd, 0, Document(522));
+  check("in a later one", GifComment("12345<emoji", 5) + otherFirst + GifChain(Text(kText)) + kEnd,
+        0, kText);
+  check("shortest", GifComment("<emoji>") + kEnd, 0, "<emoji>");
+  check("first of two", GifImage() + kDocument + GifComment("<emoji>2") + kGifEnd, 0, kText);
+  // The limit holds for every comment, and is checked before truncation.
+  check("longest", GifComment(longest) + kEnd, 0, longest);
+  check("too long", GifComment(longest + "x") + kEnd, -41, longest.substr(0, 10200));
+  check("both at the limit", GifComment(shorter) + GifComment(Document(50)) + kEnd, 0, shorter);
+  check("both over it", GifComment(shorter) + GifComment(Document(51)) + kEnd, -41, shorter);
+  check("over it and cut", GifComment(longest) + cut, -41, longest);
+  // The file's last byte ends the walk, except right after the screen.
+  check("one odd byte", {7}, -30, "");
+  check("two odd bytes", {7, 7}, 0, "");
+  check("after the trailer", kGifEnd + kDocument + kGifEnd, 0, "");
+  // Bytes of no known block are skipped.
+  check("odd bytes", Bytes{7, 0} + unknown + kDocument + Bytes{8} + kEnd, 0, kText);
+  check("odd trailer", unknown + kGifEnd + kDocument + kEnd, 0, "");
+  // Image data that claim all that is left of the file (57 bytes) end there.
+  check("image over the end", image + Bytes{57} + kDocument + Bytes(13, 7), 0, kText);
+  check("image up to the end", image + Bytes{57} + kDocument + Bytes(14, 7), -30, "");
 }
 
 TEST(GifReader, Dimensions) {
   EXPECT_EQ(Read(kScreen + GifImage(120, 40) + GifImage(60, 90) + kGifEnd), "0 120x90 0");
-  const Bytes image = GifImage(960, 960, 0x87), screen = GifScreen(960, 960, "GIF89a", 0x87);
+  const Bytes image = GifImage(960, 960, 0xF3), screen = GifScreen(960, 960, "GIF89a", 0x87);
   EXPECT_EQ(Read(screen + image + kGifEnd), "0 960x960 0");
   EXPECT_EQ(Read(GifScreen(961, 5)), "-31 961x5 1");
   EXPECT_EQ(Read(GifScreen(5, 961)), "-31 5x961 1");
   EXPECT_EQ(Read(kScreen + GifImage(961, 200) + kGifEnd), "-31 100x80 1");
   EXPECT_EQ(Read(kScreen + GifImage(200, 961) + kGifEnd), "-31 100x80 1");
-  const Bytes header = GifScreen(7, 8, "GIF89a", 0x07);
-  EXPECT_EQ(Read(FirstOf(header, 5)), "-30 0x0 0");
-  EXPECT_EQ(Read(FirstOf(header, 12)), "-30 0x0 1");
+  const Bytes header = GifScreen(7, 8, "GIF89a", 0x7F);
+  EXPECT_EQ(Read(FirstOf(header, 6)), "-30 0x0 1");
   EXPECT_EQ(Read(header), "-30 7x8 1");
 }
 
 TEST(GifReader, PopFlag) {
   const Bytes bad = GifComment("Creator=a b\r\nEmojiID=1");
-  const std::pair<Bytes, int32_t> cases[] = {
-      {GifApplication("NETSCAPE2.0", GifChain({1, 0, 0})) + kGifPopMarker, 1},
-      {GifApplication("HTMLEMJI1.1", GifChain({1})), 0},
-      {GifApplication("HTMLEMJI1.0", GifChain({})), 0},
-      {Bytes{0x21, 0xFF, 0} + Text("HTMLEMJI1.0") + GifChain({1}), 1},
-      {bad + kGifPopMarker + GifComment("creator="), 1},
-      {kGifPopMarker + GifComment("Creator=a\r\nEmojiID=az.AZ_09-"), 1},
-      {kGifPopMarker + GifComment("Creator=a\r\n\r\n \xFF EmojiID EmojiID=b"), 1},
-      {kGifPopMarker + bad + kGifPopMarker + GifComment("Creator=a\r\nEmojiID=b"), 0},
+  const auto check = [](const char* what, const Bytes& blocks, int pop) {
+    EXPECT_EQ(Read(kScreen + blocks + kEnd), "0 100x80 " + std::to_string(pop)) << what;
+    EXPECT_EQ(Read(GifScreen(1, 1, "GIF89b") + blocks + kEnd), "0 40x30 0") << what;
   };
-  for (const auto& [blocks, pop] : cases) {
-    EXPECT_EQ(Read(kScreen + blocks + kEnd), "0 100x80 " + std::to_string(pop))
-        << testing::PrintToString(blocks);
-    EXPECT_EQ(Read(GifScreen(1, 1, "GIF89b") + blocks + kEnd), "0 40x30 0");
-  }
+  check("after another", GifApplication("NETSCAPE2.0", GifChain({1, 0, 0})) + kGifPopMarker, 1);
+  check("other version", GifApplication("HTMLEMJI1.1", GifChain({1})), 0);
+  check("without data", GifApplication("HTMLEMJI1.0", GifChain({})), 0);
+  check("wrong size", Bytes{0x21, 0xFF, 0} + Text("HTMLEMJI1.0") + GifChain({1}), 1);
+  check("after the creator", bad + kGifPopMarker + GifComment("creator="), 1);
+  check("sound creator", kGifPopMarker + GifComment("Creator=a\r\nEmojiID=az.AZ_09-"), 1);
+  check("anything between keys",
+        kGifPopMarker + GifComment("Creator=a\r\n\r\n \xFF EmojiID EmojiID=b"), 1);
+  check("first creator bad",
+        kGifPopMarker + bad + kGifPopMarker + GifComment("Creator=a\r\nEmojiID=b"), 0);
   for (const char* text :
        {"", "a", "\r\nEmojiID=b", "a\nEmojiID=b", "a\rEmojiID=b", "a b\r\nEmojiID=b",
         "a\r\nEmojiId=b", "a\r\nEmojiID=", "a\r\nEmojiID=b\r\n", "a\r\nEmojiID=\xC3\xA9"}) {
     const Bytes creator = GifComment("Creator=" + std::string(text));
     EXPECT_EQ(Read(kScreen + kGifPopMarker + creator + kEnd), "0 100x80 0") << text;
   }
+  std::string accepted;
+  for (int byte = -1; byte < 260; ++byte)
+    if (IsAcceptPopCommentData(byte) == 0) accepted += char(byte);
+  EXPECT_EQ(accepted, "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
+  EXPECT_EQ(IsAcceptPopCommentData(' '), -1);
   // Where the marker could be, its eleven bytes are looked at, whatever the block's size.
   const Bytes tiny = GifApplication("", Bytes(10, 0));
   EXPECT_EQ(Read(kScreen + tiny), "-30 100x80 1");
   EXPECT_EQ(Read(kScreen + tiny + Bytes{0}), "0 100x80 0");
   EXPECT_EQ(Read(GifScreen(1, 1, "GIF87a") + tiny), "0 1x1 0");
-}
-
-TEST(GifReader, Helpers) {
-  const std::string accepted = ".-_0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-  for (int byte = -1; byte < 260; ++byte) {
-    const bool is = byte < 128 && accepted.find(char(byte)) != std::string::npos;
-    EXPECT_EQ(IsAcceptPopCommentData(byte), is ? 0 : -1) << byte;
-  }
-  EXPECT_EQ(GetSizeColorTable(0x7F), 0u);
-  EXPECT_EQ(GetSizeColorTable(0xF3), 48u);
-}
-
-// The blobs of a record, from entry `first` on: label, name, URI.
-AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_t first = 0) {
-  AttrInfo attr = {};
-  AppExtEntry* entry = &attr.appExt[first];
-  for (const auto& [label, name, uri] : blobs) {
-    label.copy(entry->labelName, sizeof(entry->labelName));
-    name.copy(entry->fileName, sizeof(entry->fileName));
-    uri.copy(entry++->binaryDataUri, sizeof(AppExtEntry::binaryDataUri));
-  }
-  return attr;
 }
 
 void CheckWrite(const Bytes& picture, std::string_view document, const AttrInfo& attr,
@@ -143,33 +118,29 @@ TEST(GifWriter, ChangesNothingButMetadata) {
   const Bytes foreign = GifComment("12345<emoji>1234", 5) + GifComment("<emoji") + kGifPopMarker +
                         kGifControl + kGifPlainText + Bytes{0x21, 0xCE, 2, 0x3B, 0x2C, 0, 7} +
                         GifApplication("", {}) + GifApplication("EM", GifChain({1}));
-  const Bytes blobs = kLarge + kNameless + kSmall;
+  const Bytes blobs = kLarge + kNameless + kSmall, all = blobs + kImage + blobs;
   const AttrInfo keepsLarge = With({{"EMJ", "large", "file://THIS/"}}, 99);
   const AttrInfo keepsAll = With({{"", "", "file://THIS/"}});
   const AttrInfo keepsNone = With({{"", "large", "file://THAT/"}, {"", "l", ""}});
-  const struct {
-    Bytes source;
-    std::string document;
-    const AttrInfo& attr;
-    Bytes want;
-  } cases[] = {
-      {foreign + kImage + kImage, kText, kNone, foreign + kDocument + kImage + kImage},
-      {kOld + foreign + kOld + kImage, kText, kNone, kDocument + foreign + kImage},
-      {foreign + kImage + kOld + foreign, kText, kNone, foreign + kDocument + kImage + foreign},
-      {kOld + foreign + kImage + kOld, "", kNone, foreign + kImage},
-      {foreign, kText, kNone, foreign},
-      {foreign + kOld, kText, kNone, foreign + kDocument},
-      {blobs + kImage + blobs, kText, kNone, kDocument + kImage},
-      {blobs + kImage + blobs, kText, keepsNone, kDocument + kImage},
-      {blobs + kImage + blobs, kText, keepsLarge, kLarge + kDocument + kImage + kLarge},
-      {blobs + kImage + blobs, "", keepsAll, blobs + kImage + blobs},
-      {kImage, Document(10240), kNone, GifComment(Document(10240)) + kImage},
-      {foreign, Document(10241), kNone, foreign},
+  const auto check = [](const char* what, const Bytes& source, const std::string& document,
+                        const AttrInfo& attr, const Bytes& want) {
+    SCOPED_TRACE(what);
+    CheckWrite(kWide + source + kGifEnd, document, attr, 0, kWide + want + kGifEnd);
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    CheckWrite(kWide + c.source + kGifEnd, c.document, c.attr, 0, kWide + c.want + kGifEnd);
-  }
+  check("two images", foreign + kImage + kImage, kText, kNone,
+        foreign + kDocument + kImage + kImage);
+  check("in place", kOld + foreign + kOld + kImage, kText, kNone, kDocument + foreign + kImage);
+  check("before the image", foreign + kImage + kOld + foreign, kText, kNone,
+        foreign + kDocument + kImage + foreign);
+  check("removed", kOld + foreign + kImage + kOld, "", kNone, foreign + kImage);
+  check("no image", foreign, kText, kNone, foreign);
+  check("no image, old one", foreign + kOld, kText, kNone, foreign + kDocument);
+  check("blobs dropped", all, kText, kNone, kDocument + kImage);
+  check("blobs not named", all, kText, keepsNone, kDocument + kImage);
+  check("one blob kept", all, kText, keepsLarge, kLarge + kDocument + kImage + kLarge);
+  check("all blobs kept", all, "", keepsAll, all);
+  check("longest", kImage, Document(10240), kNone, GifComment(Document(10240)) + kImage);
+  check("too long, no place", foreign, Document(10241), kNone, foreign);
   CheckWrite(kWide + kOld, Document(10241), kNone, -41);
 }
 
@@ -193,23 +164,6 @@ TEST(GifWriter, AddsBlobs) {
   CheckWrite(kWide + end, kText, With({{"EMJ", "n", folder.Path("missing")}}), -99);
   // Its size is that of a page, whatever it has.
   CheckWrite(kWide + end, kText, With({{"EMJ", "n", "/sys/devices/system/cpu/online"}}), -99);
-}
-
-TEST(GifDocument, EveryTruncation) {
-  const Bytes parts[] = {kScreen, kDocument, kGifPopMarker, kGifControl, kImage, kLarge, kGifEnd};
-  Bytes start;
-  for (const Bytes& part : parts) {
-    for (size_t n = 0; n < part.size(); ++n) {
-      SCOPED_TRACE(start.size() + n);
-      // One byte more than a block, whatever it is, is taken for the trailer when reading, and all
-      // that is left of the file for image data.
-      const std::string status = n == 1 && start.size() > kScreen.size() ? "0 " : "-3";
-      EXPECT_TRUE(&part >= &parts[4] || Read(start + FirstOf(part, n)).starts_with(status));
-      const bool cutsLabel = n >= 3 && n < 14 && (part == kGifPopMarker || part == kLarge);
-      CheckWrite(start + FirstOf(part, n), kText, kNone, cutsLabel ? -99 : -30);
-    }
-    start += part;
-  }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Whole operations on PNG and JPEG pictures: bytes in; status and outputs out.
+// Whole operations on pictures: bytes in; status and outputs out.
 #ifndef LUMIGRAM_TESTS_SUPPORT_PICTURE_CHECKS_H_
 #define LUMIGRAM_TESTS_SUPPORT_PICTURE_CHECKS_H_
 
@@ -22,8 +22,19 @@ inline void CheckReader(Reader read, FILE* stream, int32_t wantStatus, std::stri
   EXPECT_EQ(width, wantWidth);
 }
 
-// A new picture must fit room of exactly its size, and be refused by any smaller one, behind which
-// a sanitizer looks.
+// The blobs of a record, from entry `first` on: label, name, URI.
+inline AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_t first = 0) {
+  AttrInfo attr = {};
+  AppExtEntry* entry = &attr.appExt[first];
+  for (const auto& [label, name, uri] : blobs) {
+    label.copy(entry->labelName, sizeof(entry->labelName));
+    name.copy(entry->fileName, sizeof(entry->fileName));
+    uri.copy(entry++->binaryDataUri, sizeof(AppExtEntry::binaryDataUri));
+  }
+  return attr;
+}
+
+// A new picture fits room of exactly its size, and no smaller room.
 template <typename Writer, typename... Record>
 void CheckWriter(Writer write, const Bytes& picture, std::string_view text, int32_t status,
                  const Bytes& want, Record... record) {
