@@ -8,30 +8,28 @@
 namespace lumigram::test {
 namespace {
 
-// The size query and the copy, on a picture that follows three odd bytes: "status size, status
-// bytes". Without a label, nothing is copied.
-std::string Find(const Bytes& picture, const char* label, const char* name, Opened opened) {
+// "status size, status bytes" of the size query and the copy, from the stream's fourth byte on.
+void Check(const char* what, const Bytes& picture, const char* label, const char* name,
+           const std::string& want) {
+  SCOPED_TRACE(what);
   const bool isGif = picture[0] == 'G';
   const auto measure =
       isGif ? GetSizeApplicationExtensionFromGif : GetSizeApplicationExtensionFromPng;
   const auto copy = isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng;
-  const ScopedFile stream = Stream(Bytes(3, 0x3B) + picture, opened);
-  fseek(stream.get(), 3, SEEK_SET);
-  uint32_t size = 77, length = 77;
-  const int32_t sized = measure(stream.get(), &size, name);
-  EXPECT_TRUE(sized != 0 || ftell(stream.get()) == 3) << "the writer reads on from there";
-  const std::string result = std::to_string(sized) + " " + std::to_string(size) + ", ";
-  if (label == nullptr) return result;
-  fseek(stream.get(), 3, SEEK_SET);
-  Bytes data(picture.size() + 1);
-  const int32_t copied = copy(stream.get(), data.data(), &length, label, name);
-  EXPECT_EQ(Bytes(data.begin() + length, data.end()), Bytes(data.size() - length)) << "no more";
-  return result + std::to_string(copied) + " " + std::string(&data[0], &data[length]);
-}
-
-void Check(const char* what, const Bytes& picture, const char* label, const char* name,
-           const std::string& want) {
-  for (Opened opened : kBothWays) EXPECT_EQ(Find(picture, label, name, opened), want) << what;
+  for (Opened opened : kBothWays) {
+    const ScopedFile stream = Stream(Bytes(3, 0x3B) + picture, opened);
+    fseek(stream.get(), 3, SEEK_SET);
+    uint32_t size = 77, length = label == nullptr ? 0 : 77;
+    const int32_t sized = measure(stream.get(), &size, name);
+    EXPECT_TRUE(sized != 0 || ftell(stream.get()) == 3) << "the writer reads on from there";
+    fseek(stream.get(), 3, SEEK_SET);
+    Bytes data(picture.size() + 1);
+    const int32_t copied = copy(stream.get(), data.data(), &length, label, name);
+    EXPECT_EQ(Bytes(data.begin() + length, data.end()), Bytes(data.size() - length)) << "no more";
+    EXPECT_EQ(std::to_string(sized) + " " + std::to_string(size) + ", " + std::to_string(copied) +
+                  " " + std::string(&data[0], &data[length]),
+              want);
+  }
 }
 
 const std::string kLong = Document(600), kShort(40, 's'), kLonger(12290, 'x');
@@ -47,8 +45,8 @@ TEST(GifBlobs, AreFound) {
   const Bytes twoSubBlocks = GifApplication("HTMLEMJI1.0", {1, 'n', 2, 'x', 'y', 1, 'z', 0});
   const char* const longer = kLonger.c_str();
   const Bytes padded = kPicture + Bytes(12289, 0);
-  Check("no blob", kStart + twoSubBlocks + kEnd, nullptr, nullptr, "0 0, ");
-  Check("all", kPicture, nullptr, nullptr, "0 688, ");
+  Check("no blob", kStart + twoSubBlocks + kEnd, nullptr, nullptr, "0 0, -99 ");
+  Check("all", kPicture, nullptr, nullptr, "0 688, -99 ");
   Check("short one", kPicture, "EMJLABEL001", "a.bin", "0 62, 0 " + kShort);
   Check("first of a label", kPicture, "EMJ", "abc", "0 626, 0 " + kLong);
   Check("first of a name", kPicture, "EMJ2", "a", "0 62, 0 " + kLong);
@@ -57,21 +55,19 @@ TEST(GifBlobs, AreFound) {
   Check("empty blob", kStart + GifBlob("EMJ", "n", {}) + kEnd, "EMJ", "n", "0 17, 0 ");
   // The head counts as 14 bytes, also when the identifier is short.
   Check("short identifier", kStart + GifApplication("EMJ", GifChain({1, 2, 3})) + kEnd, nullptr,
-        nullptr, "0 19, ");
+        nullptr, "0 19, -99 ");
   // A label longer than the identifier is compared with what follows.
   Check("long label", kPicture, "EMJLABEL001\5a.bin(ss", "a.bin", "0 62, 0 " + kShort);
   Check("other long label", kPicture, "EMJLABEL001\5a.bin)ss", "a.bin", "0 62, 0 ");
-  // An empty name has no data.
-  Check("empty name", kTwoNames, "EMJ", "", "0 15, 0 ");
+  Check("empty name, no data", kTwoNames, "EMJ", "", "0 15, 0 ");
   Check("after an empty name", kTwoNames, "EMJ", "a", "0 62, 0 " + kShort);
   Check("odd end", kStart + kNoIdentifier + Bytes{7}, "", "", "0 0, 0 ");
   // A truncated picture never counts for more than it has.
-  Check("all cut", kStart + FirstOf(kLongBlob, 600), nullptr, nullptr, "-30 535, ");
+  Check("all cut", kStart + FirstOf(kLongBlob, 600), nullptr, nullptr, "-30 535, -99 ");
   Check("cut in the data", kStart + FirstOf(kLongBlob, 600), "EMJ", "",
         "-30 535, -30 " + kLong.substr(0, 510));
   Check("screen too wide", GifScreen(961, 1) + kBlobs, "EMJ", "a", "0 62, -31 ");
   Check("screen too high", GifScreen(1, 961) + kBlobs, "EMJ", "a", "0 62, -31 ");
-  // Nothing longer than 12,289 bytes is looked for.
   Check("longest wanted", padded, longer + 1, longer + 1, "0 0, 0 ");
   Check("label too long", padded, longer, "a", "0 62, -99 ");
   Check("name too long", padded, "EMJ", longer, "-99 0, -99 ");
@@ -86,8 +82,9 @@ const Bytes kAll =
 TEST(PngBlobs, ByNameAndLabel) {
   const std::string longest(65536, 'n'), longer(65537, 'n');
   const Bytes longNamed = kHead + PngBlob("EMJBLOB-1.0", longest + longest, {'d'});
-  Check("all", kAll, nullptr, nullptr, "0 70075, ");
-  Check("all, without an end", FirstOf(kAll, kAll.size() - 13), nullptr, nullptr, "-30 70075, ");
+  Check("all", kAll, nullptr, nullptr, "0 70075, -99 ");
+  Check("all, without an end", FirstOf(kAll, kAll.size() - 13), nullptr, nullptr,
+        "-30 70075, -99 ");
   Check("first of a label", kAll, "EMJ", "", "0 41, 0 one");
   Check("by both", kAll, "EMJBLOB-1.0", "one", "0 41, 0 one");
   Check("by name", kAll, "EMJ", "two", "0 70034, 0 " + kLarge);

@@ -33,7 +33,6 @@ TEST(ByteSource, WalksTheSameWayBothWaysWhereverBlocksEnd) {
         uint16_t pair;
         ASSERT_TRUE(source.Back(2) && source.ReadBe16(&pair));
         EXPECT_EQ(pair, 0xFFD9);
-        // Over the next edge, and back.
         Bytes large(9000);
         ASSERT_TRUE(source.Skip(9000) && source.Read(large));
         EXPECT_EQ(large, Bytes(&bytes[at + 9002], &bytes[at + 18002]));

@@ -56,11 +56,11 @@ const AttrInfo kNone = {};
 
 // Removes documents and blobs. 7: the stream cannot be measured.
 template <typename Writer, typename... Record>
-Operation Writes(Writer write, Record... record) {
+Operation Writes(uint32_t room, Writer write, Record... record) {
   return [=](FILE* stream) {
     const XmlStringInfo none{};
     ByteSource source(stream);
-    return source.Measure() ? write(source, &none, bytes, &size, record..., sizeof bytes) : 7;
+    return source.Measure() ? write(source, &none, bytes, &size, record..., room) : 7;
   };
 }
 
@@ -68,18 +68,17 @@ TEST(Damage, OfGif) {
   const Bytes gif = GifScreen() + GifApplication("EM", GifChain({1})) + GifComment("other") +
                     GifComment("<emoji>") + GifBlob("EMJ1", "b", {1, 2}) + GifImage() + kGifEnd;
   const auto measure = GetSizeApplicationExtensionFromGif;
-  const auto copy = GetApplicationExtensionDataFromGif;
-  // One byte that follows a block is taken for the trailer, and so are data that end an image
-  // early.
+  // The last byte, when it follows a block, is taken for the trailer. Image data may end early.
   const std::string start = "0: -30 28: 0 29: -30 37: 0 38: -30 48: 0 49: -30 ";
   const std::string image = "68: 0 69: -30 92: 0 95: -30 96: 0 97: -30 98: 0 ";
   Check("read", gif, std::bind(GetXmlStringFromGif, _1, text, &height, &width, &pop), " -99 0",
         "0: -30 37: 0 38: -30 48: 0 49: -30 " + image);
-  Check("written", gif, Writes(SetXmlStringToGif, &kNone), " 7 -1 -99 0",
+  Check("written", gif, Writes(999, SetXmlStringToGif, &kNone), " 7 -1 -99 0",
         "0: -30 22: -99 24: -30 50: -99 61: -30 98: 0 ");
   Check("all measured", gif, std::bind(measure, _1, &size, nullptr), " -99 0", start + image);
   Check("one measured", gif, std::bind(measure, _1, &size, "b"), " -99 0", start + "67: 0 ");
-  Check("one copied", gif, std::bind(copy, _1, bytes, &size, "EMJ", "b"), " -99 0",
+  Check("one copied", gif,
+        std::bind(GetApplicationExtensionDataFromGif, _1, bytes, &size, "EMJ", "b"), " -99 0",
         start + "67: 0 ");
 }
 
@@ -88,15 +87,15 @@ TEST(Damage, OfPng) {
                     PngBlob("EMJ00000000", "a", {}) + PngBlob("EMJ00000000", "b", {1, 2}) +
                     kPngImage + kPngEnd;
   const auto measure = GetSizeApplicationExtensionFromPng;
-  const auto copy = GetApplicationExtensionDataFromPng;
   Check("read", png, std::bind(GetXmlStringFromPng, _1, text, &high, &wide), " -99 -30 0",
         "0: -30 47: -99 51: -30 69: -99 77: -30 173: 0 ");
-  Check("written", png, Writes(SetXmlStringToPng, &kNone), " 7 -99 0",
+  Check("written", png, Writes(999, SetXmlStringToPng, &kNone), " 7 -99 0",
         "0: -30 37: -99 55: -30 59: -99 81: -30 85: -99 113: -30 117: -99 147: -30 151: -99 165: "
         "-30 169: -99 177: 0 ");
   Check("all measured", png, std::bind(measure, _1, &size, nullptr), " -99 0", "0: -30 173: 0 ");
   Check("one measured", png, std::bind(measure, _1, &size, "b"), " -99 0", "0: -30 137: 0 ");
-  Check("one copied", png, std::bind(copy, _1, bytes, &size, "EMJ", "b"), " -99 0",
+  Check("one copied", png,
+        std::bind(GetApplicationExtensionDataFromPng, _1, bytes, &size, "EMJ", "b"), " -99 0",
         "0: -30 141: -99 143: 0 ");
 }
 
@@ -105,7 +104,9 @@ TEST(Damage, OfJpeg) {
                      JpegComment(Document()) + kJpegScan + kJpegEnd;
   Check("read", jpeg, std::bind(GetXmlStringFromJpg, _1, text, &high, &wide), " 0 -30 0",
         "0: -30 63: 0 ");
-  Check("written", jpeg, Writes(SetXmlStringToJpg), " 7 -1 -99 0", "0: -30 63: 0 ");
+  Check("written", jpeg, Writes(999, SetXmlStringToJpg), " 7 -1 -99 0", "0: -30 63: 0 ");
+  for (const Bytes& bad : {FirstOf(jpeg, 9), Bytes{0xFF, 0xD9} + jpeg})
+    EXPECT_EQ(Writes(2, SetXmlStringToJpg)(Stream(bad).get()), -30) << "rather than no room";
 }
 
 }  // namespace

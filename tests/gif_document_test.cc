@@ -6,19 +6,17 @@
 namespace lumigram::test {
 namespace {
 
-// What the reader answers and stores: "status widthxheight pop document".
-std::string Read(const Bytes& gif) {
-  std::string results[2];
+// Wants "status widthxheight pop document".
+void CheckRead(const char* what, const Bytes& gif, const std::string& want) {
   for (Opened opened : kBothWays) {
-    std::string buffer(kLumigramDocumentBufferBytes, '\0');
+    std::string text(kLumigramDocumentBufferBytes, '\0');
     int32_t height = 0, width = 0, pop = 0;
     const int32_t status =
-        GetXmlStringFromGif(Stream(gif, opened).get(), buffer.data(), &height, &width, &pop);
-    results[int(opened)] = std::to_string(status) + " " + std::to_string(width) + "x" +
-                           std::to_string(height) + " " + std::to_string(pop) + buffer.c_str();
+        GetXmlStringFromGif(Stream(gif, opened).get(), text.data(), &height, &width, &pop);
+    const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    const std::string result = std::to_string(status) + " " + size + " " + std::to_string(pop);
+    EXPECT_EQ(result + text.c_str(), want) << what;
   }
-  EXPECT_EQ(results[0], results[1]) << "both kinds of stream give the same";
-  return results[0];
 }
 
 const std::string kText = Document(40);
@@ -29,8 +27,8 @@ TEST(GifReader, Documents) {
   const Bytes otherFirst = {0x21, 0xFE, 5, 'o', 't', 'h', 'e', 'r'}, cut = {0x21, 0xFE, 1};
   const Bytes unknown = {0x21, 0xCE, 40}, image = FirstOf(GifImage(40, 30, 0), 11);
   const auto check = [](const char* what, const Bytes& blocks, int status, std::string document) {
-    const std::string want = std::to_string(status) + " 100x80 0" + document;
-    EXPECT_EQ(Read(GifScreen(100, 80, "GIF87a") + blocks), want) << what;
+    CheckRead(what, GifScreen(100, 80, "GIF87a") + blocks,
+              std::to_string(status) + " 100x80 0" + document);
   };
   check("other comments", GifComment("text") + GifComment("<emoji") + kEnd, 0, "");
   check("after others", kGifControl + kGifPlainText + kDocument + kEnd, 0, kText);
@@ -39,17 +37,13 @@ TEST(GifReader, Documents) {
         0, kText);
   check("shortest", GifComment("<emoji>") + kEnd, 0, "<emoji>");
   check("first of two", GifImage() + kDocument + GifComment("<emoji>2") + kGifEnd, 0, kText);
-  // The limit holds for every comment, and is checked before truncation.
   check("longest", GifComment(longest) + kEnd, 0, longest);
   check("too long", GifComment(longest + "x") + kEnd, -41, longest.substr(0, 10200));
   check("both at the limit", GifComment(shorter) + GifComment(Document(50)) + kEnd, 0, shorter);
   check("both over it", GifComment(shorter) + GifComment(Document(51)) + kEnd, -41, shorter);
   check("over it and cut", GifComment(longest) + cut, -41, longest);
-  // The file's last byte ends the walk, except right after the screen.
-  check("one odd byte", {7}, -30, "");
   check("two odd bytes", {7, 7}, 0, "");
   check("after the trailer", kGifEnd + kDocument + kGifEnd, 0, "");
-  // Bytes of no known block are skipped.
   check("odd bytes", Bytes{7, 0} + unknown + kDocument + Bytes{8} + kEnd, 0, kText);
   check("odd trailer", unknown + kGifEnd + kDocument + kEnd, 0, "");
   // Image data that claim all that is left of the file (57 bytes) end there.
@@ -58,23 +52,23 @@ TEST(GifReader, Documents) {
 }
 
 TEST(GifReader, Dimensions) {
-  EXPECT_EQ(Read(kScreen + GifImage(120, 40) + GifImage(60, 90) + kGifEnd), "0 120x90 0");
+  CheckRead("two images", kScreen + GifImage(120, 40) + GifImage(60, 90) + kGifEnd, "0 120x90 0");
   const Bytes image = GifImage(960, 960, 0xF3), screen = GifScreen(960, 960, "GIF89a", 0x87);
-  EXPECT_EQ(Read(screen + image + kGifEnd), "0 960x960 0");
-  EXPECT_EQ(Read(GifScreen(961, 5)), "-31 961x5 1");
-  EXPECT_EQ(Read(GifScreen(5, 961)), "-31 5x961 1");
-  EXPECT_EQ(Read(kScreen + GifImage(961, 200) + kGifEnd), "-31 100x80 1");
-  EXPECT_EQ(Read(kScreen + GifImage(200, 961) + kGifEnd), "-31 100x80 1");
+  CheckRead("largest", screen + image + kGifEnd, "0 960x960 0");
+  CheckRead("screen too wide", GifScreen(961, 5), "-31 961x5 1");
+  CheckRead("screen too high", GifScreen(5, 961), "-31 5x961 1");
+  CheckRead("image too wide", kScreen + GifImage(961, 200) + kGifEnd, "-31 100x80 1");
+  CheckRead("image too high", kScreen + GifImage(200, 961) + kGifEnd, "-31 100x80 1");
   const Bytes header = GifScreen(7, 8, "GIF89a", 0x7F);
-  EXPECT_EQ(Read(FirstOf(header, 6)), "-30 0x0 1");
-  EXPECT_EQ(Read(header), "-30 7x8 1");
+  CheckRead("cut after the signature", FirstOf(header, 6), "-30 0x0 1");
+  CheckRead("cut after the screen", header, "-30 7x8 1");
 }
 
 TEST(GifReader, PopFlag) {
   const Bytes bad = GifComment("Creator=a b\r\nEmojiID=1");
   const auto check = [](const char* what, const Bytes& blocks, int pop) {
-    EXPECT_EQ(Read(kScreen + blocks + kEnd), "0 100x80 " + std::to_string(pop)) << what;
-    EXPECT_EQ(Read(GifScreen(1, 1, "GIF89b") + blocks + kEnd), "0 40x30 0") << what;
+    CheckRead(what, kScreen + blocks + kEnd, "0 100x80 " + std::to_string(pop));
+    CheckRead(what, GifScreen(1, 1, "GIF89b") + blocks + kEnd, "0 40x30 0");
   };
   check("after another", GifApplication("NETSCAPE2.0", GifChain({1, 0, 0})) + kGifPopMarker, 1);
   check("other version", GifApplication("HTMLEMJI1.1", GifChain({1})), 0);
@@ -90,7 +84,7 @@ TEST(GifReader, PopFlag) {
        {"", "a", "\r\nEmojiID=b", "a\nEmojiID=b", "a\rEmojiID=b", "a b\r\nEmojiID=b",
         "a\r\nEmojiId=b", "a\r\nEmojiID=", "a\r\nEmojiID=b\r\n", "a\r\nEmojiID=\xC3\xA9"}) {
     const Bytes creator = GifComment("Creator=" + std::string(text));
-    EXPECT_EQ(Read(kScreen + kGifPopMarker + creator + kEnd), "0 100x80 0") << text;
+    CheckRead(text, kScreen + kGifPopMarker + creator + kEnd, "0 100x80 0");
   }
   std::string accepted;
   for (int byte = -1; byte < 260; ++byte)
@@ -99,14 +93,14 @@ TEST(GifReader, PopFlag) {
   EXPECT_EQ(IsAcceptPopCommentData(' '), -1);
   // Where the marker could be, its eleven bytes are looked at, whatever the block's size.
   const Bytes tiny = GifApplication("", Bytes(10, 0));
-  EXPECT_EQ(Read(kScreen + tiny), "-30 100x80 1");
-  EXPECT_EQ(Read(kScreen + tiny + Bytes{0}), "0 100x80 0");
-  EXPECT_EQ(Read(GifScreen(1, 1, "GIF87a") + tiny), "0 1x1 0");
+  CheckRead("marker over the end", kScreen + tiny, "-30 100x80 1");
+  CheckRead("marker up to the end", kScreen + tiny + Bytes{0}, "0 100x80 0");
+  CheckRead("no marker looked for", GifScreen(1, 1, "GIF87a") + tiny, "0 1x1 0");
 }
 
-void CheckWrite(const Bytes& picture, std::string_view document, const AttrInfo& attr,
-                int32_t status, const Bytes& want = {}) {
-  CheckWriter(SetXmlStringToGif, picture, document, status, want, &attr);
+void CheckWrite(const char* what, const Bytes& picture, std::string_view document,
+                const AttrInfo& attr, int32_t status, const Bytes& want = {}) {
+  CheckWriter(what, SetXmlStringToGif, picture, document, status, want, &attr);
 }
 
 const Bytes kOld = GifComment("<emoji>x", 7), kImage = GifImage();
@@ -124,8 +118,7 @@ TEST(GifWriter, ChangesNothingButMetadata) {
   const AttrInfo keepsNone = With({{"", "large", "file://THAT/"}, {"", "l", ""}});
   const auto check = [](const char* what, const Bytes& source, const std::string& document,
                         const AttrInfo& attr, const Bytes& want) {
-    SCOPED_TRACE(what);
-    CheckWrite(kWide + source + kGifEnd, document, attr, 0, kWide + want + kGifEnd);
+    CheckWrite(what, kWide + source + kGifEnd, document, attr, 0, kWide + want + kGifEnd);
   };
   check("two images", foreign + kImage + kImage, kText, kNone,
         foreign + kDocument + kImage + kImage);
@@ -141,7 +134,7 @@ TEST(GifWriter, ChangesNothingButMetadata) {
   check("all blobs kept", all, "", keepsAll, all);
   check("longest", kImage, Document(10240), kNone, GifComment(Document(10240)) + kImage);
   check("too long, no place", foreign, Document(10241), kNone, foreign);
-  CheckWrite(kWide + kOld, Document(10241), kNone, -41);
+  CheckWrite("too long", kWide + kOld, Document(10241), kNone, -41);
 }
 
 TEST(GifWriter, AddsBlobs) {
@@ -155,15 +148,17 @@ TEST(GifWriter, AddsBlobs) {
   const Bytes other = GifBlob("other", "o", data);
   const Bytes want = kWide + kDocument + GifBlob("EMJLABEL001", "some", data) +
                      GifBlob("EMJ", std::string(255, 'n'), {}) + other + end;
-  CheckWrite(kWide + kOld + kSmall + end, kText, attr, 0, want);
-  CheckWrite(kWide + end, kText, attr, 0, want);
-  CheckWrite(kWide + end, "", attr, 0, kWide + end);
+  CheckWrite("in place of the old", kWide + kOld + kSmall + end, kText, attr, 0, want);
+  CheckWrite("before the image", kWide + end, kText, attr, 0, want);
+  CheckWrite("no document", kWide + end, "", attr, 0, kWide + end);
   // What a write has added, the next one takes away, but for what does not look like ours.
-  CheckWrite(want, "<emoji>", kNone, 0, kWide + GifComment("<emoji>") + other + end);
-  CheckWrite(kWide + end, kText, With({{"EMJ", "", some}}), -99);
-  CheckWrite(kWide + end, kText, With({{"EMJ", "n", folder.Path("missing")}}), -99);
+  CheckWrite("blobs removed", want, "<emoji>", kNone, 0,
+             kWide + GifComment("<emoji>") + other + end);
+  CheckWrite("no name", kWide + end, kText, With({{"EMJ", "", some}}), -99);
+  CheckWrite("no file", kWide + end, kText, With({{"EMJ", "n", folder.Path("missing")}}), -99);
   // Its size is that of a page, whatever it has.
-  CheckWrite(kWide + end, kText, With({{"EMJ", "n", "/sys/devices/system/cpu/online"}}), -99);
+  CheckWrite("shorter than its size", kWide + end, kText,
+             With({{"EMJ", "n", "/sys/devices/system/cpu/online"}}), -99);
 }
 
 }  // namespace

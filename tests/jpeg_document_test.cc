@@ -13,16 +13,12 @@ const Bytes kOld = JpegComment(Document()), kNew = JpegComment(kText);
 // Reads a start of image and what follows it.
 void CheckRead(const char* what, const Bytes& rest, int32_t status, std::string_view text = "",
                uint32_t width = 0, uint32_t height = 0) {
-  SCOPED_TRACE(what);
-  const Bytes picture = kJpegStart + rest;
-  for (Opened opened : kBothWays)
-    CheckReader(GetXmlStringFromJpg, Stream(picture, opened).get(), status, text, width, height);
+  CheckReader(what, GetXmlStringFromJpg, kJpegStart + rest, status, text, width, height);
 }
 
 void CheckWrite(const char* what, const Bytes& rest, std::string_view doc, int32_t status,
                 const Bytes& wantRest = {}) {
-  SCOPED_TRACE(what);
-  CheckWriter(SetXmlStringToJpg, kJpegStart + rest, doc, status, kJpegStart + wantRest);
+  CheckWriter(what, SetXmlStringToJpg, kJpegStart + rest, doc, status, kJpegStart + wantRest);
 }
 
 // Both, with a frame header before what follows, and kText as the new document.
@@ -53,7 +49,7 @@ TEST(JpegDocument, MarkersAndEnds) {
   const auto claim = [](uint32_t length, uint8_t code) {
     return JpegSegmentClaiming(length, code, {}) + kJpegEnd;
   };
-  Check("behind the scan", kEnd + kOld + kJpegEnd, 0, "", 0, kNew + kEnd);
+  Check("after the scan", kEnd + kOld + kJpegEnd, 0, "", 0, kNew + kEnd);
   Check("large with a tail", large + kJpegEnd + large, 0, "", 0, kNew + large + kJpegEnd);
   Check("large and cut", large + Bytes{0xFF}, -30, "", -30);
   Check("odd marker", Patched(kEnd, 0, {7}), -30, "", -30);
@@ -82,7 +78,6 @@ TEST(JpegDocument, OddFirstByte) {
   const Bytes oddOld = Patched(kOld, 0, {7}), oddNew = Patched(kNew, 0, {7});
   CheckRead("frame", Patched(kFrame, 0, {7}) + kEnd, 0, "", 32, 16);
   CheckWrite("replaced", oddOld + kEnd, kText, 0, oddNew + kEnd);
-  CheckWrite("removed", oddOld + kFrame + kOld + kEnd, "", 0, kFrame + kEnd);
   CheckWrite("scan", Patched(kEnd, 0, {7}), kText, 0, oddNew + kEnd);
 }
 
@@ -91,16 +86,6 @@ TEST(JpegDocument, Limits) {
   CheckWrite("longest", kEnd, Document(10240), 0, JpegComment(Document(10240)) + kEnd);
   CheckWrite("too long", kEnd, Document(10241), -41);
   CheckWrite("too long in place", kOld + kEnd, Document(10241), -41);
-  const XmlStringInfo none{};
-  uint8_t out[2];
-  uint32_t n;
-  const Bytes cut = kJpegStart + JpegSegmentClaiming(9, 0xE0, {}), odd = Bytes{0xFF, 0xD9} + kEnd;
-  for (const Bytes& picture : {cut, odd}) {
-    const ScopedFile stream = Stream(picture);
-    ByteSource source(stream.get());
-    ASSERT_TRUE(source.Measure());
-    EXPECT_EQ(SetXmlStringToJpg(source, &none, out, &n, 2), -30) << "rather than no room";
-  }
 }
 
 }  // namespace

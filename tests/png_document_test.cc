@@ -24,15 +24,12 @@ const AttrInfo kRecord = Blobs(kFolder.Write("a.bin", kData));
 
 void CheckRead(const char* what, const Bytes& picture, int32_t status, std::string_view text,
                uint32_t width, uint32_t height) {
-  SCOPED_TRACE(what);
-  for (Opened opened : kBothWays)
-    CheckReader(GetXmlStringFromPng, Stream(picture, opened).get(), status, text, width, height);
+  CheckReader(what, GetXmlStringFromPng, picture, status, text, width, height);
 }
 
 void CheckWrite(const char* what, const Bytes& rest, const std::string& doc, int32_t status,
                 const Bytes& wantRest = {}, const AttrInfo* attr = &kRecord) {
-  SCOPED_TRACE(what);
-  CheckWriter(SetXmlStringToPng, kStart + rest, doc, status, kStart + wantRest, attr);
+  CheckWriter(what, SetXmlStringToPng, kStart + rest, doc, status, kStart + wantRest, attr);
 }
 
 // Reads kStart and what follows it, and writes a new document and a new blob into it.
@@ -49,7 +46,7 @@ TEST(PngDocument, Texts) {
   Check("none", kept + kPngImage + kEnd, 0, "", 0, kept + kNew + kPngImage + kEnd);
   Check("first of two", kept + kOld + kept + PngDocument("<emoji>b") + kEnd, 0, Document(), 0,
         kept + kNew + kept + kEnd);
-  Check("behind the image", kPngImage + kOld + kPngEnd, 0, Document(), 0, kNew + kEnd);
+  Check("after the image", kPngImage + kOld + kPngEnd, 0, Document(), 0, kNew + kEnd);
   Check("no image", kPngEnd, 0, "", 0, kPngEnd);
   Check("longest", PngDocument(Document(10240)) + kEnd, 0, Document(10240), 0, kNew + kEnd);
   Check("too long", PngDocument(Document(10241)) + kEnd, -41, "", 0, kNew + kEnd);
@@ -62,7 +59,6 @@ TEST(PngDocument, DamageAndDimensions) {
   const Bytes shorter = PngChunk("tEXt", Text("Emoji"));
   Check("text cut in its keyword", PngChunk("tEXt", {1}), -30, "", -30);
   Check("text shorter than that", shorter + kPngEnd, -99, "", 0, shorter + kPngEnd);
-  Check("chunk over the file's end", other(13) + kPngEnd, -30, "", -99);
   Check("data and CRC 0 in 32 bits", kPngHuge + kPngEnd, -30, "", -99);
   Check("the whole chunk 0 in 32 bits", other(0u - 12) + kPngEnd, -30, "", -99);
   CheckRead("signature", Patched(kStart + kEnd, 7, {0}), -30, "", 0, 0);
@@ -101,7 +97,7 @@ TEST(PngDocument, Limits) {
   const Bytes longest = PngDocument(Document(10234)), noSignature = Patched(kStart + kEnd, 0, {7});
   CheckWrite("longest", kEnd, Document(10234), 0, longest + kBlobs + kEnd);
   CheckWrite("too long", kEnd, Document(10235), -41, {}, none);
-  CheckWriter(SetXmlStringToPng, noSignature, "", -30, {}, none);
+  CheckWriter("signature", SetXmlStringToPng, noSignature, "", -30, {}, none);
 }
 
 }  // namespace

@@ -12,14 +12,17 @@ namespace lumigram::test {
 
 using Reader = decltype(&GetXmlStringFromPng);
 
-inline void CheckReader(Reader read, FILE* stream, int32_t wantStatus, std::string_view wantText,
-                        uint32_t wantWidth, uint32_t wantHeight) {
-  char text[kLumigramDocumentBufferBytes] = {};
-  uint32_t height = 0, width = 0;
-  EXPECT_EQ(read(stream, text, &height, &width), wantStatus);
-  EXPECT_EQ(std::string_view(text), wantText);
-  EXPECT_EQ(height, wantHeight);
-  EXPECT_EQ(width, wantWidth);
+inline void CheckReader(const char* what, Reader read, const Bytes& picture, int32_t status,
+                        std::string_view wantText, uint32_t wantWidth, uint32_t wantHeight) {
+  SCOPED_TRACE(what);
+  for (Opened opened : kBothWays) {
+    char text[kLumigramDocumentBufferBytes] = {};
+    uint32_t height = 0, width = 0;
+    EXPECT_EQ(read(Stream(picture, opened).get(), text, &height, &width), status);
+    EXPECT_EQ(std::string_view(text), wantText);
+    EXPECT_EQ(height, wantHeight);
+    EXPECT_EQ(width, wantWidth);
+  }
 }
 
 // The blobs of a record, from entry `first` on: label, name, URI.
@@ -36,8 +39,9 @@ inline AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_
 
 // A new picture fits room of exactly its size, and no smaller room.
 template <typename Writer, typename... Record>
-void CheckWriter(Writer write, const Bytes& picture, std::string_view text, int32_t status,
-                 const Bytes& want, Record... record) {
+void CheckWriter(const char* what, Writer write, const Bytes& picture, std::string_view text,
+                 int32_t status, const Bytes& want, Record... record) {
+  SCOPED_TRACE(what);
   XmlStringInfo doc{static_cast<int32_t>(text.size()), {}};
   text.copy(doc.text, sizeof(doc.text));
   for (Opened opened : kBothWays) {
