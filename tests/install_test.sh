@@ -29,12 +29,18 @@ for program in "$work"/by-{find-package,pkg-config}; do
     "$("$program" "$work/cut.png" 2>&1) $?"
 done
 
-# Where Java has words for a status, they are the header's.
-words=$(cc -x c -I "$tree/include" -o "$work/words" - <<<'#include <lumigram.h>
-  int main(void) { for (int i = -128; i <= 0; ++i) printf("%d %s\n", i, LumigramStatusText(i)); }' && "$work/words")
+# Where Java has words for a status, they are those of C: one list has both.
+words=$(cat "$root/tests/status_words.txt")
 java=$(tr '\n' ' ' <"$root/java/src/main/java/lumigram/jni/LumigramStatus.java" |
   grep -oE 'case [-0-9]+: +return "[^"]*"' | sed -E 's/case (.*): +return "(.*)"/\1 \2/')
 same "the words of LumigramStatus" "0 ok" "$(grep -vxFe "$words" <<<"$java"; grep '^0 ' <<<"$java")"
+
+# Pictures store the names of the parts of speech: one list has them for C, Java and the manual page.
+parts=$(cat "$root/tests/parts_of_speech.txt")
+same "the parts of speech of Java" "$parts" "$(sed -nE 's/^  ([A-Z_]+)\("(.+)"\)[,;]$/\2 \1/p' \
+  "$root/java/src/main/java/lumigram/PartOfSpeech.java" | awk '{ print NR, $0 }')"
+same "the parts of speech of the manual page" "$(cut -d ' ' -f 1,2 <<<"$parts")" \
+  "$(sed '/^\.SH PARTS/,/^\.fi/!d' "$root/docs/lumigram.1" | grep -oE '[0-9]+ [^ 0-9]+' | sort -n)"
 
 # What a stranger sees in Java when the native library is not there: what was tried, why it failed, and both ways.
 cd "$work" && cat >A.java <<<'class A { public static void main(String[] a) { lumigram.jni.LumigramJni.getLumigramTagInfo(null, null, null); } }'

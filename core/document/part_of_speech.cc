@@ -7,6 +7,7 @@
 namespace lumigram {
 namespace {
 
+// Pictures store these names: none may change, and new ones go to the end.
 constexpr char kPartOfSpeechTable[kLumigramParts][33] = {
     "",                     // none
     "名詞",                 // noun
@@ -43,8 +44,8 @@ const char* GetPartName(uint32_t index) {
 
 int32_t GetPartNo(const char* name) {
   if (name == nullptr) return 0;
-  for (int32_t i = 0; i < kLumigramParts; ++i) {
-    if (strcmp(kPartOfSpeechTable[i], name) == 0) return i;
+  for (const auto& entry : kPartOfSpeechTable) {
+    if (strcmp(entry, name) == 0) return static_cast<int32_t>(&entry - kPartOfSpeechTable);
   }
   return 0;
 }
