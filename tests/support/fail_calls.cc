@@ -48,7 +48,11 @@ extern "C" {
 #define WRAP(type, failure, name, parameters, arguments) \
   type __real_##name parameters;                         \
   type __wrap_##name parameters { return Fails(#name) ? failure : __real_##name arguments; }
-WRAP(void*, nullptr, malloc, (size_t n), (n))
+void* __real_malloc(size_t n);
+void* __wrap_malloc(size_t n) {
+  void* const block = Fails("malloc") ? nullptr : __real_malloc(n);
+  return block == nullptr ? nullptr : memset(block, 0xA5, n);  // as old as any: nothing is cleared
+}
 WRAP(void*, nullptr, calloc, (size_t n, size_t size), (n, size))
 WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (path, how, mode))
 WRAP(FILE*, nullptr, fopen64, (const char* path, const char* how), (path, how))
