@@ -327,16 +327,19 @@ LUMIGRAM_API int32_t GetElementContent(char* doc, const char* startTag, const ch
 LUMIGRAM_API int32_t GetElementTagContent(char* doc, const char* startTag, const char* endTag,
                                           char* nameOut, char* contentOut);
 
-/* Copies the labels of a document into attr (all zero) and cuts the document behind its first
- * </emoji>. Returns 0 with 1 to 10 labels; -40 when the document does not begin with <emoji>, is
- * not closed, has no label, or one that is malformed or over its limits; -99 when an argument is
- * null. The counts tell how far a failure got. */
+/* Copies the labels of a document into attr and cuts the document after its first </emoji>. Clears
+ * what it stores: the counts start at 0, an entry is all zero before its label is copied, and the
+ * texts of unused entries are empty. The caller need not clear the labels of a record that is used
+ * for one picture after another, but clears its category, type, tags and blobs, and the document
+ * buffer. Returns 0 with 1 to 10 labels; -40 when the document does not begin with <emoji>, is not
+ * closed, has no label, or has one that is malformed or over its limits; -99 when an argument is
+ * null, with attr unchanged. After -40 the counts say how many labels were found and accepted. */
 LUMIGRAM_API int32_t GetLabelInfo(char* doc, AttrInfo* attr);
 
 /* Takes at most 100 tag elements out of the document and groups them by name: at most 10 names, 10
- * elements each, the rest dropped. One element over its limits empties joinedNames, tagName and
- * tagElement. The counts then still tell how far it got. Neither argument may be null; tags is all
- * zero. */
+ * elements each, the rest dropped. One element over its limits clears joinedNames and every entry
+ * of tagName and tagElement; the counts keep the numbers that were reached. Neither argument may be
+ * null. The caller clears tags before each document, as it clears the results of GetTagInfo(). */
 LUMIGRAM_API void CollectTagGroups(char* doc, TagCollection* tags);
 
 /* Reads the contents of the first ten elements of one tag group of a picture into results, which is

@@ -37,13 +37,11 @@ void Keep(TagCollection* tags, std::string_view name, std::string_view content) 
   ++tags->groupSize[group];
 }
 
-// One unusable element takes all of them with it. The entries behind elementCount are zero as the
-// caller left them.
+// One unusable element takes all of them with it.
 void ClearOutputs(TagCollection* tags) {
-  const size_t used = static_cast<size_t>(tags->elementCount);
   memset(tags->joinedNames, 0, sizeof tags->joinedNames);
-  memset(tags->tagName, 0, used * sizeof tags->tagName[0]);
-  memset(tags->tagElement, 0, used * sizeof tags->tagElement[0]);
+  memset(tags->tagName, 0, sizeof tags->tagName);
+  memset(tags->tagElement, 0, sizeof tags->tagElement);
 }
 
 }  // namespace

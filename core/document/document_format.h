@@ -1,9 +1,12 @@
 // The metadata document: one line of text, without escaping, taken apart by exact search.
 //
 //   <emoji>
-//     <label><name>..</name><note>..</note><part>..</part></label>     0 to 10 times; note and part
-//     optional <category>..</category><type>..</type>                           each optional <tags
-//     name="NAME">CONTENT</tags>                                 0 to 100 times
+//     <label><name>..</name><note>..</note><part>..</part></label>
+//         0 to 10 times; note and part are optional
+//     <category>..</category><type>..</type>
+//         each is optional
+//     <tags name="NAME">CONTENT</tags>
+//         0 to 100 times
 //   </emoji>
 #ifndef LUMIGRAM_CORE_DOCUMENT_DOCUMENT_FORMAT_H_
 #define LUMIGRAM_CORE_DOCUMENT_DOCUMENT_FORMAT_H_

@@ -7,10 +7,20 @@
 namespace lumigram {
 namespace {
 
-// Takes name, note and part of one label, in any order, out of its own text. What a count does not
-// cover was refused.
-int32_t ReadLabel(char* label, AttrInfo* attr) {
-  const int32_t i = attr->nameCount;
+// No label may show anything of what the record held before.
+void EmptyLabels(AttrInfo* attr) {
+  attr->labelCount = attr->nameCount = attr->noteCount = attr->partCount = 0;
+  for (int32_t i = 0; i < kLumigramMaxLabels; ++i)
+    attr->name[i][0] = attr->note[i][0] = attr->part[i][0] = '\0';
+}
+
+// Takes name, note and part of one label, in any order, out of its own text into entry i. Texts are
+// copied without a terminator, so the whole entry is cleared. A count does not include an entry
+// whose text was refused.
+int32_t ReadLabel(char* label, int32_t i, AttrInfo* attr) {
+  memset(attr->name[i], 0, sizeof attr->name[i]);
+  memset(attr->note[i], 0, sizeof attr->note[i]);
+  memset(attr->part[i], 0, sizeof attr->part[i]);
   if (GetElementContent(label, kNameStart, kNameEnd, attr->name[i]) != kOk) return kFailed;
   if (GetStrLenUtf8(attr->name[i]) > kLumigramMaxCharacters) return kFailed;
   ++attr->nameCount;
@@ -30,7 +40,7 @@ int32_t ReadLabel(char* label, AttrInfo* attr) {
 // status).
 int32_t ReadLabels(const char* position, AttrInfo* attr) {
   char label[kLumigramDocumentBufferBytes];
-  while (attr->partCount < kLumigramMaxLabels) {
+  for (int32_t i = 0; i < kLumigramMaxLabels; ++i) {
     const char* const start = strstr(position, kLabelStart);
     const char* const end = strstr(position, kLabelEnd);
     if (int32_t state = CheckTagState(start, end); state != kOk) return state;
@@ -40,7 +50,7 @@ int32_t ReadLabels(const char* position, AttrInfo* attr) {
     const size_t size = static_cast<size_t>(position - start);
     memcpy(label, start, size);
     label[size] = '\0';
-    if (int32_t status = ReadLabel(label, attr); status != kOk) return status;
+    if (int32_t status = ReadLabel(label, i, attr); status != kOk) return status;
   }
   return kOk;
 }
@@ -52,6 +62,7 @@ using namespace lumigram;
 
 int32_t GetLabelInfo(char* doc, AttrInfo* attr) {
   if (doc == nullptr || attr == nullptr) return kBadArgument;
+  EmptyLabels(attr);
   if (!BeginsWith(std::string_view(doc), kRootStart)) return kBadLabels;
   char* const rootEnd = strstr(doc, kRootEnd);
   if (rootEnd == nullptr) return kBadLabels;
