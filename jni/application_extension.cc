@@ -58,7 +58,6 @@ jbyteArray Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(JNI
                                                                              jstring path,
                                                                              jstring labelName,
                                                                              jstring fileName) {
-  if (path == nullptr || labelName == nullptr || fileName == nullptr) return nullptr;
   Blob blob;
   if (ReadBlob(env, path, labelName, fileName, &blob) != kOk || blob.length == 0) return nullptr;
   return NewArrayOf(env, blob);

@@ -201,7 +201,7 @@ class BatchReader {
     if (Status s = object_.Select(attr.Get()); s != kOk) return s;
     const LocalRef<jstring> path(env_, env_->GetObjectArrayElement(paths, i));
     if (Status s = ReadContainer(path.Get()); s != kOk) return s == kNoDocument ? kOk : s;
-    ClearRecords();
+    ClearTags();
     return TransferDocument();
   }
 
@@ -236,10 +236,10 @@ class BatchReader {
     return false;
   }
 
-  // Only what reading fills and what its users look at: clearing the records whole takes several
-  // times as long as reading a small picture.
-  void ClearRecords() {
-    memset(&storage_.attr, 0, offsetof(AttrInfo, category));
+  // Counts, groups and joined names, to which elements are added, and the first element, which
+  // shows whether there are any. Clearing all elements takes several times as long as reading a
+  // small picture. The labels are cleared when they are read.
+  void ClearTags() {
     memset(&storage_.tags, 0, offsetof(TagCollection, tagName));
     storage_.tags.tagName[0][0] = storage_.tags.tagElement[0][0] = '\0';
   }
@@ -297,8 +297,9 @@ using namespace lumigram;
 jint Java_lumigram_jni_LumigramJni_getLumigramAttrInfo(JNIEnv* env, jclass, jobjectArray paths,
                                                        jobjectArray attrs, jbyteArray results) {
   if (attrs == nullptr || paths == nullptr || results == nullptr) return kNullArgument;
-  const jsize count = std::min(
-      {env->GetArrayLength(paths), env->GetArrayLength(attrs), env->GetArrayLength(results)});
+  const jsize count =
+      std::min({LengthOf(env, paths), LengthOf(env, attrs), LengthOf(env, results)});
+  if (count < 0) return kBadField;
   const ScopedBlock<WorkingStorage> storage(
       static_cast<WorkingStorage*>(malloc(sizeof(WorkingStorage))));
   if (storage == nullptr) return kNoRoom;

@@ -17,21 +17,23 @@ inline bool ClearException(JNIEnv* env) {
   return true;
 }
 
-// A local reference that this call obtained. With null comes no exception: it is cleared.
+// A local reference that this call obtained. An exception that came with null is cleared; the null
+// then says nothing about what was asked for.
 //
 //   const LocalRef<jstring> path(env, env->GetObjectArrayElement(paths, i));
 //   if (path.Get() == nullptr) return kBadArgument;
 template <typename T>
 class LocalRef {
  public:
-  LocalRef(JNIEnv* env, jobject ref) : env_(env), ref_(static_cast<T>(ref)) {
-    if (ref == nullptr) ClearException(env);
-  }
+  LocalRef(JNIEnv* env, jobject ref)
+      : env_(env), ref_(static_cast<T>(ref)), failed_(ref == nullptr && ClearException(env)) {}
   ~LocalRef() { Reset(nullptr); }
   LocalRef(const LocalRef&) = delete;
   LocalRef& operator=(const LocalRef&) = delete;
 
   T Get() const { return ref_; }
+  // Whether null came with an exception.
+  bool Failed() const { return failed_; }
 
   // Takes another reference in place of the one that is held.
   void Reset(T ref) {
@@ -48,6 +50,7 @@ class LocalRef {
  private:
   JNIEnv* const env_;
   T ref_;
+  const bool failed_;
 };
 
 // The characters of a string, in Java's modified UTF-8; null when the string is null or they cannot
@@ -124,9 +127,12 @@ inline jfieldID FindField(JNIEnv* env, jclass type, const JavaField& field) {
   return id;
 }
 
-// How many elements an array has; none when it is null, which the function itself does not survive.
+// How many elements an array has; none when it is null, which the function itself does not survive;
+// -1 when that cannot be had.
 inline jsize LengthOf(JNIEnv* env, jarray array) {
-  return array == nullptr ? 0 : env->GetArrayLength(array);
+  if (array == nullptr) return 0;
+  const jsize length = env->GetArrayLength(array);
+  return ClearException(env) ? -1 : length;
 }
 
 // A picture that is open for reading.

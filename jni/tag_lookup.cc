@@ -40,7 +40,7 @@ using namespace lumigram;
 jint Java_lumigram_jni_LumigramJni_getLumigramTagInfo(JNIEnv* env, jclass, jstring path,
                                                       jstring tagName, jobjectArray results) {
   if (path == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
-  if (env->GetArrayLength(results) < kLumigramMaxGroupSize) return kBadArgument;
+  if (LengthOf(env, results) < kLumigramMaxGroupSize) return kBadArgument;
   const ScopedBlock<Contents> contents(static_cast<Contents*>(calloc(1, sizeof(Contents))));
   if (contents == nullptr) return kNoRoom;
   if (Status s = LookUp(env, path, tagName, contents.get()); s != kOk) return s;

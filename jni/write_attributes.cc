@@ -55,10 +55,13 @@ class AttributeValues {
     for (int f = 0; f < kFieldCount; ++f) {
       const jfieldID id = FindField(env_, type.Get(), kFields[f]);
       if (id == nullptr) return kBadField;
-      values_[f] = env_->GetObjectField(attr, id);
+      LocalRef<jobject> value(env_, env_->GetObjectField(attr, id));
+      if (value.Failed()) return kBadField;
+      values_[f] = value.Release();
       const bool isArray = kFields[f].signature[0] == '[';
       if (values_[f] == nullptr && isArray && f != kTags) return kBadField;
       if (isArray) lengths_[f] = LengthOf(env_, static_cast<jarray>(values_[f]));
+      if (lengths_[f] < 0) return kBadField;
     }
     return kOk;
   }
@@ -119,7 +122,9 @@ class RecordFiller {
   // Most texts of an object are empty, as their fields are.
   template <size_t N>
   bool Copy(jstring string, char (&field)[N]) {
-    if (string != nullptr && env_->GetStringUTFLength(string) == 0) return true;
+    if (string != nullptr && env_->GetStringUTFLength(string) == 0) {
+      return !ClearException(env_);
+    }
     const JavaText text(env_, string);
     if (text.Get() != nullptr) CopyText(field, text.Get());
     return text.Get() != nullptr;
@@ -150,7 +155,7 @@ class RecordFiller {
   Status FillEntries() {
     for (int i = 0; i < kLumigramMaxTags; ++i) {
       const LocalRef<jstring> name = Entry(kTags, i);
-      if (name.Get() == nullptr) return kOk;
+      if (name.Get() == nullptr) return name.Failed() ? kBadField : kOk;
       if (!Copy(name.Get(), attr_.tag[i].tagName)) return kBadField;
       if (Status s = FillEntry(i); s != kOk) return s;
     }
@@ -162,7 +167,7 @@ class RecordFiller {
     const LocalRef<jstring> content = Entry(kTagsElement, i);
     const LocalRef<jstring> label = Entry(kBlobLabel, i);
     const LocalRef<jstring> uri = Entry(kBlobUri, i);
-    if (content.Get() == nullptr) return kBadField;
+    if (content.Get() == nullptr || label.Failed() || uri.Failed()) return kBadField;
     if ((label.Get() == nullptr) != (uri.Get() == nullptr)) return kBadField;
     if (label.Get() == nullptr) return FillContent(content.Get(), i);
     if (!Copy(label.Get(), attr_.appExt[i].labelName)) return kBadField;

@@ -53,8 +53,8 @@ const Field kFields[] = {
     {"mCategory", "Sold", "Sface", ""},
     {"mType", "Sold", "S", ""},
     {"mName", "Aold*10", "Asmile|wink|old*8", "Aold"},
-    {"mNote", "Aold*2", "Ahappy|*1", "Aold"},
-    {"mPart", "B9*2", "B1|0", "B9"},
+    {"mNote", "Aold*3", "Ahappy|*1|old", "Aold"},
+    {"mPart", "B9*3", "B1|0|9", "B9"},
 };
 Values First(size_t n, std::string Field::*value) {
   Values values;
@@ -65,10 +65,13 @@ const Values kOld = First(12, &Field::old), kFull = First(12, &Field::full);
 
 class JniPicture : public testing::Test {
  protected:
-  jstring Text(std::string_view text) { return vm_.Argument<jstring>(vm_.String(text)); }
+  // The empty text of {} is a null reference.
+  jstring Text(std::string_view text) {
+    return vm_.Argument<jstring>(text.data() == nullptr ? nullptr : vm_.String(text));
+  }
 
   // The status and the results, which were "old".
-  std::string LookUp(const std::string& path, std::string_view name, size_t entries = 10) {
+  std::string LookUp(std::string_view path, std::string_view name, size_t entries = 10) {
     JavaObject* results = vm_.Make({.elements = {entries, vm_.String("old")}});
     std::string all = std::to_string(Java_lumigram_jni_LumigramJni_getLumigramTagInfo(
         vm_.Env(), nullptr, Text(path), Text(name), vm_.Argument<jobjectArray>(results)));
@@ -132,12 +135,12 @@ TEST_F(JniRead, ReadsABatch) {
   const Bytes cut = FirstOf(kFullPng, kFullPng.size() - 9), wide = PngStart(961, 5);
   Bytes largest = kFullPng;
   largest.resize(2097152);
-  const Bytes small = Png(Label("1") + Label("2") + Tag("c", ""));
+  const Bytes small = Png(Label("1") + Label("2") + Label("3") + Tag("c", ""));
   const Values smallValues = {{"mTags", "Sc"},
                               {"mTagsName", "Ac|*99"},
-                              {"mName", "A1|2|old*8"},
-                              {"mNote", "A*2"},
-                              {"mPart", "B0*2"}};
+                              {"mName", "A1|2|3|old*7"},
+                              {"mNote", "A*3"},
+                              {"mPart", "B0*3"}};
   const Bytes refused = Png(Label("a") + Label(tooLong) + "<type>t</type>" + Tag("a", "long"));
   const Bytes badTag = Png("<category>\xFF</category>" + Tag("c", "3") + Tag(tooLong, ""));
   const Values refusedValues = {
@@ -151,6 +154,7 @@ TEST_F(JniRead, ReadsABatch) {
   };
   Check({
       {"full.png", kFullPng, kOld, 0, kFull},
+      {"untagged.png", Png("<type>u</type>"), kOld, 0, {{"mType", "Su"}}},
       {"refused.png", refused, kOld, 0, refusedValues},
       {"small.png", small, kOld, 0, smallValues},
       {"photo.bmp", kFullPng, kOld, -21, {}},
@@ -189,14 +193,16 @@ TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
   // Without the bulk copy each slot is stored.
   const std::set<std::string> harmless = {"", "FindClass", "NewObjectArray", "GetStaticMethodID",
                                           "CallStaticVoidMethodA"};
-  int status;
+  int status, lookUps = 0;
   const auto read = [&] { status = Read({row, row}); };
   vm_.FailEach(read, [&](const std::string& failed) {
+    lookUps += failed == "GetFieldID";
     EXPECT_EQ(status + codes_->bytes[0] + codes_->bytes[1], harmless.contains(failed) ? 0 : -99);
     for (size_t i : {0u, 1u}) {
       EXPECT_EQ(vm_.Holds(objects_->elements[i], kFull), status == 0 && codes_->bytes[i] == 0);
     }
   });
+  EXPECT_EQ(lookUps, 12) << "each field once for two objects of one class";
   bool happened = true;
   for (int nth = 0; happened; ++nth) {
     const FailCalls fail(kAllCalls, nth / 2, EIO,
@@ -217,8 +223,9 @@ TEST(JavaText, AnyBytesBecomeModifiedUtf8) {
       "\x80";
   const std::pair<std::string, std::string> rows[] = {
       {plain, plain},
-      {plain + "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",
-       plain + "\xED\xA0\x80\xED\xB0\x80\xED\xAF\xBF\xED\xBF\xBF"},
+      {plain + "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\xF0\x90\x8F\xBF\xF1\x96\xA7\x98",
+       plain + "\xED\xA0\x80\xED\xB0\x80\xED\xAF\xBF\xED\xBF\xBF" +
+           "\xED\xA0\x80\xED\xBF\xBF\xED\xA4\x9A\xED\xB7\x98"},
       {"\xF0\x8F\xBF\xBF.\xF4\x90\x80\x80.\xF5\x80\x80\x80", "????.????.????"},
       {"\xC0\x81\xC1\xBF\xE0\x9F\xBFy\xE3\x81z\x80\xDF.", "???????y??z??."},
       {"\xF0\x9F\x98", "???"},
@@ -245,6 +252,8 @@ TEST_F(JniPicture, LooksUpATagGroup) {
   const std::string found = "0,\xEF\xBF\xBD,2,,,,,,,,";
   EXPECT_EQ(LookUp(path, "a", 11), found + ",old");
   EXPECT_EQ(LookUp(path, "a", 1), "-99,old");
+  EXPECT_EQ(LookUp({}, "a", 0), "-10") << "null comes first";
+  EXPECT_EQ(LookUp(path, {}, 0), "-10") << "null comes first";
   EXPECT_EQ(LookUp("missing", std::string(257, 'a')).substr(0, 7), "-10,old");
   EXPECT_EQ(LookUp("missing", std::string(256, 'a')).substr(0, 7), "-21,old");
   EXPECT_EQ(LookUp("missing.gif", "a").substr(0, 7), "-20,old");
@@ -274,25 +283,26 @@ constexpr char kUris[] = "mApplicationExtensionBinaryDataUri";
 
 class JniWrite : public JniPicture {
  protected:
-  int Write(const Values& object, const std::string& path) {
+  int Write(const Values& object, std::string_view path) {
     return Java_lumigram_jni_LumigramJni_setLumigramAttrInfo(
         vm_.Env(), nullptr, Text(path), vm_.Argument<jobject>(vm_.Object(object)));
   }
 
   const std::string blob_ = folder_.Write("wink.dat", test::Text("blob"));
+  const std::string tune_ = folder_.Write("tune", test::Text("la"));
   const Bytes kept_ = PngBlob("EMJ00000000", "b.dat", test::Text("b"));
   const Bytes old_ = PngStart() + kept_ + kPngImage + kPngEnd;
   const std::string path_ = folder_.Write("a.png", old_);
-  // The second tag has a new blob, the third one that the picture has.
+  // The third tag has a blob that the picture has, those beside it new ones.
   const Values full_ = {{"mName", "Asmile||wink|*7"},
                         {"mNote", "Ahappy|dropped|*8"},
                         {"mPart", "B1|2|-1"},
                         {"mCategory", "Sface"},
                         {"mType", "S~"},
-                        {"mTags", "Acolor|motion|sound|-|unseen"},
-                        {"mTagsElement", "Ayellow|ignored|file://THIS/a/b.dat"},
-                        {kLabels, "A-|EMJ"},
-                        {kUris, "A-|" + blob_}};
+                        {"mTags", "Acolor|motion|sound|tune|-|unseen"},
+                        {"mTagsElement", "Ayellow|ignored|file://THIS/a/b.dat|ignored"},
+                        {kLabels, "A-|EMJ|-|*1"},
+                        {kUris, "A-|" + blob_ + "|-|" + tune_}};
 };
 
 TEST_F(JniWrite, WritesEveryField) {
@@ -301,8 +311,10 @@ TEST_F(JniWrite, WritesEveryField) {
       "<emoji><label><name>smile</name><note>happy</note><part>名詞</part></label>"
       "<label><name>wink</name></label><category>face</category><tags name=\"color\">yellow</tags>"
       "<tags name=\"motion\">file://THIS/wink.dat</tags>"
-      "<tags name=\"sound\">file://THIS/a/b.dat</tags></emoji>");
-  const Bytes added = PngBlob("EMJ" + std::string(8, '\0'), "wink.dat", test::Text("blob"));
+      "<tags name=\"sound\">file://THIS/a/b.dat</tags>"
+      "<tags name=\"tune\">file://THIS/tune</tags></emoji>");
+  const Bytes added = PngBlob("EMJ" + std::string(8, '\0'), "wink.dat", test::Text("blob")) +
+                      PngBlob(std::string(11, '\0'), "tune", test::Text("la"));
   EXPECT_EQ(ReadWhole(path_), PngStart() + kept_ + document + added + kPngImage + kPngEnd);
   Values none = full_;
   none["mTags"] = "A~";
@@ -330,7 +342,8 @@ TEST_F(JniWrite, RefusesWhatIsNotComplete) {
       {kLabels, "A", -99},
       {kUris, "A-", -99},
       {kUris, "A-|wink.dat", -99},
-      {kUris, "A-|/missing/wink.dat", -41},
+      {kUris, "A-|/missing/wink.dat|-|" + tune_, -41},
+      {kUris, "A-|/|-|" + tune_, -41},  // no name, as the first entry: they are not alike
   };
   for (const auto& [field, value] : full_) {
     rows.push_back({field, "", -99});
@@ -340,12 +353,13 @@ TEST_F(JniWrite, RefusesWhatIsNotComplete) {
     Values object = full_;
     object[field] = value;
     if (value.empty()) object.erase(field);
-    EXPECT_EQ(Write(object, path_), status) << field << value;
-    EXPECT_EQ(ReadWhole(path_), old_) << field << value;
+    EXPECT_EQ(Write(object, path_), status) << field << " " << value;
+    EXPECT_EQ(ReadWhole(path_), old_) << field << " " << value;
   }
   EXPECT_EQ(Write(full_, folder_.Path("a.bmp")), -21);
   EXPECT_EQ(Write(full_, folder_.Path("missing.png")), -20);
   EXPECT_EQ(Write({}, folder_.Path("a.bmp")), -99);
+  EXPECT_EQ(Write({}, {}), -10);
 }
 
 TEST_F(JniWrite, AFailureOfTheMachineLeavesThePictureAlone) {

@@ -83,11 +83,11 @@ FakeJni& FakeJni::Enter() {
   return *this;
 }
 
-bool FakeJni::Fails(const char* function, bool raises) {
+bool FakeJni::Fails(const char* function) {
   Enter();
   if (failIn_ == 0 || --failIn_ > 0) return false;
   failed_ = function;
-  pending_ = raises;
+  pending_ = true;
   return true;
 }
 
@@ -121,6 +121,17 @@ JavaObject*& FakeJni::FieldOf(jobject object, jfieldID id, bool isNumber) {
   return At(object)->fields[field.first];
 }
 
+// Puts a function that may fail into the table: null or 0 and an exception.
+template <typename Result, typename... Arguments, typename Function>
+void FakeJni::MayFail(const char* name, Result (*&entry)(JNIEnv*, Arguments...), Function) {
+  static const char* itsName;  // of this function alone: each has a type of its own
+  itsName = name;
+  entry = [](JNIEnv*, Arguments... arguments) -> Result {
+    return vm->Fails(itsName) ? Result() : Result(Function()(arguments...));
+  };
+}
+#define MAY_FAIL(name, ...) MayFail(#name, table_.name, __VA_ARGS__)
+
 FakeJni::FakeJni() {
   vm = this;
   env_.functions = &table_;
@@ -148,16 +159,6 @@ FakeJni::FakeJni() {
   table_.IsSameObject = [](JNIEnv*, jobject a, jobject b) -> jboolean {
     return vm->Enter().At(a) == vm->At(b);
   };
-  table_.GetArrayLength = [](JNIEnv*, jarray array) {
-    const JavaObject* object = vm->Enter().At(array);
-    return jsize(object->elements.size() + object->bytes.size());
-  };
-  table_.GetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i) {
-    return vm->NewRef(vm->Enter().At(array)->elements.at(size_t(i)));
-  };
-  table_.GetObjectField = [](JNIEnv*, jobject object, jfieldID id) {
-    return vm->NewRef(vm->FieldOf(object, id));
-  };
   table_.SetObjectField = [](JNIEnv*, jobject object, jfieldID id, jobject value) {
     vm->FieldOf(object, id) = vm->At(value);
   };
@@ -165,61 +166,54 @@ FakeJni::FakeJni() {
     vm->FieldOf(object, id, true) = vm->String(std::to_string(value));
   };
 
-  // May fail.
-  table_.GetObjectClass = [](JNIEnv*, jobject object) {
-    if (vm->Fails("GetObjectClass", false)) return jclass();
-    return jclass(vm->NewRef(const_cast<JavaObject*>(vm->At(object)->type)));
-  };
-  table_.FindClass = [](JNIEnv*, const char* name) {
-    return jclass(vm->Fails("FindClass") ? nullptr : vm->NewRef(vm->String(name)));
-  };
-  table_.GetFieldID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
-    if (vm->Fails("GetFieldID")) return jfieldID();
+  // May fail, some of them oftener than JNI says.
+  MAY_FAIL(GetObjectClass, [](jobject object) {
+    return vm->NewRef(const_cast<JavaObject*>(vm->At(object)->type));
+  });
+  MAY_FAIL(FindClass, [](const char* name) { return vm->NewRef(vm->String(name)); });
+  MAY_FAIL(GetFieldID, [](jclass type, const char* name, const char* signature) {
     auto& declared = vm->At(type)->signatures;
     const auto found = declared.find(name);
     vm->pending_ = found == declared.end() || found->second != signature;
-    return vm->pending_ ? jfieldID() : reinterpret_cast<jfieldID>(&*found);
-  };
-  table_.GetStaticMethodID = [](JNIEnv*, jclass type, const char* name, const char* signature) {
-    if (vm->Fails("GetStaticMethodID")) return jmethodID();
+    return vm->pending_ ? nullptr : &*found;
+  });
+  MAY_FAIL(GetStaticMethodID, [](jclass type, const char* name, const char* signature) {
     EXPECT_EQ(vm->At(type)->text + "." + name + signature,
               "java/lang/System.arraycopy(Ljava/lang/Object;ILjava/lang/Object;II)V");
-    return jmethodID(vm);
-  };
-  table_.CallStaticVoidMethodA = [](JNIEnv*, jclass type, jmethodID id, const jvalue* a) {
-    if (vm->Fails("CallStaticVoidMethodA")) return;
+    return vm;
+  });
+  MAY_FAIL(CallStaticVoidMethodA, [](jclass type, jmethodID id, const jvalue* a) {
     EXPECT_TRUE(vm->At(type)->text == "java/lang/System" && id == jmethodID(vm));
     auto &from = vm->At(a[0].l)->elements, &to = vm->At(a[2].l)->elements;
     for (jint i = 0; i < a[4].i; ++i) to.at(size_t(a[3].i + i)) = from.at(size_t(a[1].i + i));
-  };
-  table_.NewStringUTF = [](JNIEnv*, const char* text) {
-    if (vm->Fails("NewStringUTF")) return jstring();
-    return jstring(vm->NewRef(vm->String(text)));
-  };
-  table_.NewObjectArray = [](JNIEnv*, jsize size, jclass type, jobject each) {
-    if (vm->Fails("NewObjectArray")) return jobjectArray();
+  });
+  MAY_FAIL(GetArrayLength, [](jarray array) {
+    return vm->At(array)->elements.size() + vm->At(array)->bytes.size();
+  });
+  MAY_FAIL(GetObjectArrayElement, [](jobjectArray array, jsize i) {
+    return vm->NewRef(vm->At(array)->elements.at(size_t(i)));
+  });
+  MAY_FAIL(SetObjectArrayElement, [](jobjectArray array, jsize i, jobject value) {
+    vm->At(array)->elements.at(size_t(i)) = vm->At(value);
+  });
+  MAY_FAIL(GetObjectField,
+           [](jobject object, jfieldID id) { return vm->NewRef(vm->FieldOf(object, id)); });
+  MAY_FAIL(NewStringUTF, [](const char* text) { return vm->NewRef(vm->String(text)); });
+  MAY_FAIL(NewObjectArray, [](jsize size, jclass type, jobject each) {
     EXPECT_EQ(vm->At(type)->text, "java/lang/String");
-    return jobjectArray(vm->NewRef(vm->Make({.elements = {size_t(size), vm->At(each)}})));
-  };
-  table_.NewByteArray = [](JNIEnv*, jsize size) {
-    JavaObject* array = vm->Make({.bytes = std::vector<jbyte>(size_t(size))});
-    return jbyteArray(vm->Fails("NewByteArray") ? nullptr : vm->NewRef(array));
-  };
-  table_.SetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize i, jobject value) {
-    if (!vm->Fails("SetObjectArrayElement")) vm->At(array)->elements.at(size_t(i)) = vm->At(value);
-  };
-  table_.GetStringUTFLength = [](JNIEnv*, jstring string) -> jsize {
-    return jsize(vm->Enter().At(string)->text.size());
-  };
-  table_.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
-    if (vm->Fails("GetStringUTFChars")) return nullptr;
+    return vm->NewRef(vm->Make({.elements = {size_t(size), vm->At(each)}}));
+  });
+  MAY_FAIL(NewByteArray, [](jsize size) {
+    return vm->NewRef(vm->Make({.bytes = std::vector<jbyte>(size_t(size))}));
+  });
+  MAY_FAIL(GetStringUTFLength, [](jstring string) { return vm->At(string)->text.size(); });
+  MAY_FAIL(GetStringUTFChars, [](jstring string, jboolean*) {
     const std::string& text = vm->At(string)->text;
     return LendCopy(text.c_str(), text.size() + 1, &vm->lent_);
-  };
-  table_.GetByteArrayElements = [](JNIEnv*, jbyteArray array, jboolean*) -> jbyte* {
-    if (vm->Fails("GetByteArrayElements")) return nullptr;
+  });
+  MAY_FAIL(GetByteArrayElements, [](jbyteArray array, jboolean*) {
     return LendCopy(vm->At(array)->bytes.data(), vm->At(array)->bytes.size(), &vm->lent_);
-  };
+  });
 }
 
 }  // namespace lumigram::test

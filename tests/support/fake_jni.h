@@ -58,7 +58,9 @@ class FakeJni {
  private:
   jobject NewRef(JavaObject* object);
   FakeJni& Enter();
-  bool Fails(const char* function, bool raises = true);
+  bool Fails(const char* function);
+  template <typename Result, typename... Arguments, typename Function>
+  void MayFail(const char* name, Result (*&entry)(JNIEnv*, Arguments...), Function);
   void CheckAllIsGivenBack() const;
   JavaObject*& FieldOf(jobject object, jfieldID id, bool isNumber = false);
 
