@@ -16,27 +16,27 @@ struct Blob {
 
 // A blob has fewer bytes than its picture had when its size was taken. The picture may have grown
 // since.
-Status CopyBlob(const OpenPicture& picture, const char* label, const char* fileName, Blob* blob) {
+bool CopyBlob(const OpenPicture& picture, const char* label, const char* fileName, Blob* blob) {
   void* bytes = nullptr;
   const uint32_t capacity = GetMemory(picture.stream.get(), &bytes);
   blob->bytes.reset(static_cast<uint8_t*>(bytes));
-  if (capacity == 0) return kNoRoom;
+  if (capacity == 0) return false;
   const auto copy = picture.type == kFileTypeGif ? CopyBlobFromGif : CopyBlobFromPng;
-  return copy(picture.stream.get(), blob->bytes.get(), &blob->length, label, fileName, capacity);
+  return copy(picture.stream.get(), blob->bytes.get(), &blob->length, label, fileName, capacity) ==
+         kOk;
 }
 
-Status ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {
+// Java does not learn why there is no blob.
+bool ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {
   OpenPicture picture;
   {
     const JavaText text(env, path);
-    if (text.Get() == nullptr) return kNullArgument;
-    if (Status s = picture.Open(text.Get()); s != kOk) return s;
+    if (text.Get() == nullptr || picture.Open(text.Get()) != kOk) return false;
   }
-  if (picture.type == kFileTypeJpeg) return kUnsupported;  // which has no blobs
+  if (picture.type == kFileTypeJpeg) return false;  // which has no blobs
   const JavaText label(env, labelName);
-  if (label.Get() == nullptr) return kNullArgument;
   const JavaText name(env, fileName);
-  if (name.Get() == nullptr) return kNullArgument;
+  if (label.Get() == nullptr || name.Get() == nullptr) return false;
   return CopyBlob(picture, label.Get(), name.Get(), blob);
 }
 
@@ -59,6 +59,6 @@ jbyteArray Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(JNI
                                                                              jstring labelName,
                                                                              jstring fileName) {
   Blob blob;
-  if (ReadBlob(env, path, labelName, fileName, &blob) != kOk || blob.length == 0) return nullptr;
+  if (!ReadBlob(env, path, labelName, fileName, &blob) || blob.length == 0) return nullptr;
   return NewArrayOf(env, blob);
 }

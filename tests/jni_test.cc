@@ -272,6 +272,7 @@ TEST_F(JniPicture, CopiesABlob) {
   EXPECT_EQ(Blob(folder_.Write("a.jpg", kJpegStart + JpegFrame() + kJpegEnd), "", ""), "null");
   EXPECT_EQ(Blob(folder_.Write("0.png", {}), "EMJ", "x1"), "null");
   EXPECT_EQ(Blob(png, "EMJ", "x2"), "null");
+  EXPECT_EQ(Blob(png, {}, "x1") + Blob(png, "EMJ", {}), "nullnull");
   std::string found;
   vm_.FailEach(
       [&] { found = Blob(png, "EMJ", "x"); },
