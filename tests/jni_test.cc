@@ -145,12 +145,12 @@ TEST_F(JniRead, ReadsABatch) {
   const Bytes badTag = Png("<category>\xFF</category>" + Tag("c", "3") + Tag(tooLong, ""));
   const Values refusedValues = {
       {"mTags", "Sa"}, {"mTagsName", "Aa|*99"}, {"mTagsElement", "Along|*99|old"}, {"mType", "St"}};
-  // One file stays empty for the whole time that is waited for it, the next one for less.
+  // One file is filled just before its fifth and last measurement; the next one stays empty.
   folder_.Write("empty.png", {});
   folder_.Write("late.png", {});
   int pauses = 0;
   onPause = [&] {
-    if (++pauses == 9) folder_.Write("late.png", kBarePng);
+    if (++pauses == 4) folder_.Write("late.png", kBarePng);
   };
   Check({
       {"full.png", kFullPng, kOld, 0, kFull},
@@ -166,8 +166,8 @@ TEST_F(JniRead, ReadsABatch) {
       {"bare.png", kBarePng, First(4, &Field::old), 0, {}},  // which needs four fields only
       {"badtag.png", badTag, kOld, 0, {{"mCategory", "S\xEF\xBF\xBD"}}},
       {"noname.png", Png(Tag("", "x")), kOld, 0, {{"mTagsElement", "Ax|*99|old"}}},
-      {"empty.png", {}, kOld, -99, {}},
       {"late.png", {}, kOld, 0, {}},
+      {"empty.png", {}, kOld, -99, {}},
   });
   onPause = nullptr;
   EXPECT_EQ(pauses, 9);
