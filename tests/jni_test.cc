@@ -131,7 +131,7 @@ class JniRead : public JniPicture {
 };
 
 TEST_F(JniRead, ReadsABatch) {
-  const std::string tooLong(25, 'x');
+  const std::string tooLong(25, 'x'), longest(256, 'u');
   const Bytes cut = FirstOf(kFullPng, kFullPng.size() - 9), wide = PngStart(961, 5);
   Bytes largest = kFullPng;
   largest.resize(2097152);
@@ -154,7 +154,7 @@ TEST_F(JniRead, ReadsABatch) {
   };
   Check({
       {"full.png", kFullPng, kOld, 0, kFull},
-      {"untagged.png", Png("<type>u</type>"), kOld, 0, {{"mType", "Su"}}},
+      {"untagged.png", Png("<type>" + longest + "</type>"), kOld, 0, {{"mType", "S" + longest}}},
       {"refused.png", refused, kOld, 0, refusedValues},
       {"small.png", small, kOld, 0, smallValues},
       {"photo.bmp", kFullPng, kOld, -21, {}},
