@@ -50,18 +50,20 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
     const Bytes& picture = type == kFileTypeGif ? gif : png;
     const size_t old =
         type == kFileTypeGif ? 14 + 2 + 300 + 3 : 31 + 1 + 300;  // what the blob takes
-    const std::pair<std::vector<std::string>, size_t> cases[] = {
-        {{}, kEstimate + old},
-        {{kept}, kEstimate},
-        {{kept, unknown}, kEstimate},
-        {{kept, kept}, kEstimate - old},
-        {{blob}, kEstimate + old - (300 + 17 + 1 + 4)}};
-    for (const auto& [uris, size] : cases) {
-      EXPECT_EQ(Write(attr, type, picture, size, uris), 0) << type << size;
-      EXPECT_EQ(Write(attr, type, picture, size + 1, uris), -99) << type << size;
+    const std::tuple<const char*, std::vector<std::string>, size_t> cases[] = {
+        {"the blob removed", {}, kEstimate + old},
+        {"kept", {kept}, kEstimate},
+        {"kept, and one that is not there", {kept, unknown}, kEstimate},
+        {"kept twice", {kept, kept}, kEstimate - old},
+        {"exchanged", {blob}, kEstimate + old - (300 + 17 + 1 + 4)}};
+    for (const auto& [what, uris, size] : cases) {
+      EXPECT_EQ(Write(attr, type, picture, size, uris), 0) << what << ", type " << type;
+      EXPECT_EQ(Write(attr, type, picture, size + 1, uris), -99) << what << ", type " << type;
     }
     for (const std::string& uri : {half, empty, missing})
-      EXPECT_EQ(Write(attr, type, picture, 0, {uri, uri}), -99) << type << uri;
+      EXPECT_EQ(Write(attr, type, picture, 0, {uri, uri}), -99) << uri << ", type " << type;
+    // The estimate wraps: a fault of the picture comes before the blobs, which do not fit.
+    EXPECT_EQ(Write(attr, type, FirstOf(picture, 33), 0, {half, half}), -30) << "type " << type;
   }
   // The smallest blobs take more than is estimated, and so does a document of 10,234 bytes.
   for (int i = 0; i < 10; ++i) {
@@ -86,9 +88,12 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
   EXPECT_EQ(Write(attr, kFileTypeGif, filled(0), 0, {}, "p.txt"), -30);
   EXPECT_EQ(Write(attr, kFileTypeGif, odd, 0, {kept}), 0);
   EXPECT_EQ(Write(attr, kFileTypePng, {}), -99);
-  // More blobs than the file can hold, and no picture either.
-  const Bytes lying = Bytes(33) + PngChunkClaiming(1 << 20, "emJe", Text("EMJ")) + kPngEnd;
-  EXPECT_EQ(Write(attr, kFileTypePng, lying), -99);
+  // A picture that is none, with more blobs than it can hold: in 32 bits the estimate is over the
+  // limit, or just under the size of the file.
+  for (const auto& [claimed, status] : {std::pair(1u << 20, -99), {0u - 8, -30}}) {
+    const Bytes lying = Bytes(33) + PngChunkClaiming(claimed, "emJe", Text("EMJ")) + kPngEnd;
+    EXPECT_EQ(Write(attr, kFileTypePng, lying), status) << claimed << " bytes claimed";
+  }
   EXPECT_EQ(Write(attr, 4, filled(0)), -99);
   CopyText(attr.name[9], std::string(25, 'x'));
   EXPECT_EQ(Write(attr, 4, filled(0)), -42);

@@ -14,7 +14,7 @@ namespace lumigram {
 namespace {
 
 // A picture that is estimated to come out larger, with its document, is refused before it is built.
-constexpr int64_t kMaxEstimate = kLumigramMaxPictureBytes + 10258;
+constexpr uint32_t kMaxEstimate = kLumigramMaxPictureBytes + 10258;
 
 // Enough to find out that a picture is over its limit; no picture gets more.
 constexpr uint64_t kMaxCapacity = 2 * kLumigramMaxPictureBytes;
@@ -26,9 +26,9 @@ constexpr uint64_t kBlobOverhead = 31;
 
 uint64_t InSubBlocks(uint64_t size) { return size + (size + 254) / 255; }
 
-// How much the new picture takes. The estimate is what the limit goes by: of the old blobs, those
-// that entries keep. It is short for small new blobs in a PNG picture; the bound, which is what is
-// allocated, is not. In 64 bits: blob files may sum up to more than 32.
+// How much the new picture takes. The estimate serves the limit test: of the old blobs it counts
+// those that entries keep, and it is short for small new blobs in a PNG picture. It is exact here
+// and cut to 32 bits when it is tested. The bound is never short, and is what is allocated.
 struct Sizes {
   int64_t estimate;
   uint64_t bound;
@@ -98,11 +98,11 @@ Status BuildPicture(ByteSource& source, FileType fileType, const XmlStringInfo& 
     return kBadStream;
   Sizes sizes;
   if (Status s = MeasurePicture(source, fileType, document, attr, &sizes); s != kOk) return s;
-  // Below zero: the source claims more blobs than it can hold.
-  if (sizes.estimate < 0 || sizes.estimate > kMaxEstimate) return kNoRoom;
+  // In 32 bits the estimate wraps when a source claims more blobs than it holds, or when new blobs
+  // exceed 4 GiB. If it is then within the limit, the writer finds the fault and names it.
+  if (static_cast<uint32_t>(sizes.estimate) > kMaxEstimate) return kNoRoom;
   const uint32_t capacity = static_cast<uint32_t>(std::min(sizes.bound, kMaxCapacity));
   picture->bytes.reset(static_cast<uint8_t*>(malloc(capacity)));
-  picture->length = 0;
   if (picture->bytes == nullptr) return kNoRoom;
   if (!source.Back(source.Position())) return kBadStream;
   if (Status s = RunWriter(source, fileType, document, attr, capacity, picture); s != kOk) return s;
