@@ -11,6 +11,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <initializer_list>
+
 #include "core/base/byte_source.h"
 #include "core/base/scoped.h"
 #include "core/file/path.h"
@@ -155,7 +157,7 @@ uint64_t Mix(uint64_t x) {
   return x ^ x >> 31;
 }
 
-// Creates a file of a new name in the target's folder. False with errno set.
+// Creates a file with a new name in the target's folder. False with errno set.
 bool CreateBeside(const char* target, const char* extension, mode_t mode, char (&path)[PATH_MAX],
                   NewFile* file) {
   constexpr char kPrefix[] = ".lumigram-";
@@ -311,9 +313,11 @@ Outcome GiveAccess(const Access& wanted, int to) {
 // The three ways to write
 
 Outcome OutcomeOfRefusal(int error) {
-  const bool isRefused =
-      error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
-  return isRefused ? Outcome::kRefused : Outcome::kFailed;
+  for (const int refusal : {EACCES, EPERM, EROFS, EBUSY, EXDEV, ENAMETOOLONG, ENOSYS, EOPNOTSUPP,
+                            ETXTBSY}) {
+    if (error == refusal) return Outcome::kRefused;
+  }
+  return Outcome::kFailed;
 }
 
 Outcome ReplaceByRename(const char* target, const char* extension, int picture,

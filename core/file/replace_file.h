@@ -24,8 +24,10 @@ namespace lumigram {
 //
 // In place instead, when the picture cannot be exchanged for another file:
 // - it has more than one hard link;
-// - creating the new file or renaming it is refused with EACCES, EPERM, EROFS, EBUSY or EXDEV: a
-//   folder that is not ours, storage shared through a mount, a file that is itself a mount;
+// - creating the new file or renaming it is refused with EACCES, EPERM, EROFS, EBUSY, EXDEV,
+//   ENAMETOOLONG, ENOSYS, EOPNOTSUPP or ETXTBSY: a folder that is not ours, storage shared through a
+//   mount, a file that is itself a mount, a path with no room for the new file's name, a file system
+//   that does not rename;
 // - its owner, mode or access list cannot be given to another file. But no memory, a full disk or
 //   quota and a failing device are failures here as everywhere else.
 // Then the bytes are written over the old ones, first those beyond the old end, so that a full disk
