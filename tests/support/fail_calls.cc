@@ -1,7 +1,6 @@
 #include "tests/support/fail_calls.h"
 
 #include <errno.h>
-#include <signal.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -16,24 +15,41 @@ struct Plan {
   int nth, error;
   bool fromThenOn;
   int made;
+  const char* failed;
+  bool isNow;
 } plan;
 
+// Fails if it has inherited an open picture, or the new file that is to become one.
+void BecomeAnotherProgram() {
+  execl("/bin/sh", "sh", "-c", "ls -l /proc/self/fd | grep -q '[.]png$' && exit 9; exit 8",
+        nullptr);
+}
+
 bool Fails(const char* call) {
-  if (plan.calls == nullptr || strstr(plan.calls, call) == nullptr) return false;
-  const int index = plan.made++;
-  if (index < plan.nth || (index > plan.nth && !plan.fromThenOn)) return false;
-  if (plan.error == kKill) kill(getpid(), SIGKILL);
+  if (plan.calls == nullptr) return false;
+  const int index = strstr(plan.calls, call) != nullptr ? plan.made++ : -1;
+  plan.isNow = index == plan.nth || (index > plan.nth && plan.fromThenOn);
+  if (!plan.isNow) return false;
+  if (plan.failed == nullptr) plan.failed = call;
+  if (plan.error == kExec) BecomeAnotherProgram();
   errno = plan.error;
-  return plan.error != kHalf;
+  return plan.error > 0;
+}
+
+size_t Part(size_t n) { return plan.isNow && plan.error == kHalf ? (n + 1) / 2 : n; }
+
+const char* Take(const char* path) {
+  if (plan.isNow && plan.error == kTaken) (void)mknod(path, S_IFREG | 0600, 0);
+  return path;
 }
 
 }  // namespace
 
 FailCalls::FailCalls(const char* calls, int nth, int error, Times times) {
-  plan = {calls, nth, error, times == kFromThenOn, 0};
+  plan = {calls, nth, error, times == kFromThenOn, 0, nullptr, false};
 }
 FailCalls::~FailCalls() { plan = {}; }
-bool FailCalls::Happened() const { return plan.made > plan.nth; }
+const char* FailCalls::Failed() const { return plan.failed; }
 
 int InChild(const std::function<int()>& run) {
   const pid_t child = fork();
@@ -54,7 +70,7 @@ void* __wrap_malloc(size_t n) {
   return block == nullptr ? nullptr : memset(block, 0xA5, n);  // as old as any: nothing is cleared
 }
 WRAP(void*, nullptr, calloc, (size_t n, size_t size), (n, size))
-WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (path, how, mode))
+WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (Take(path), how, mode))
 WRAP(FILE*, nullptr, fopen64, (const char* path, const char* how), (path, how))
 WRAP(FILE*, nullptr, fdopen, (int fd, const char* how), (fd, how))
 WRAP(size_t, 0, fread, (void* out, size_t size, size_t n, FILE* f), (out, size, n, f))
@@ -64,9 +80,9 @@ WRAP(int, -1, fgetpos64, (FILE * f, fpos64_t* position), (f, position))
 WRAP(int, -1, fsetpos64, (FILE * f, const fpos64_t* position), (f, position))
 WRAP(int, -1, fcntl64, (int fd, int command), (fd, command))
 WRAP(int, -1, fstat64, (int fd, struct stat64* status), (fd, status))
-WRAP(ssize_t, -1, pread64, (int fd, void* out, size_t n, off64_t at), (fd, out, n, at))
+WRAP(ssize_t, -1, pread64, (int fd, void* out, size_t n, off64_t at), (fd, out, Part(n), at))
 WRAP(ssize_t, -1, pwrite64, (int fd, const void* bytes, size_t n, off64_t at),
-     (fd, bytes, plan.error == kHalf && plan.made == plan.nth + 1 ? (n + 1) / 2 : n, at))
+     (fd, bytes, Part(n), at))
 WRAP(int, -1, fsync, (int fd), (fd))
 WRAP(int, -1, ftruncate64, (int fd, off64_t size), (fd, size))
 WRAP(int, -1, fchown, (int fd, uid_t user, gid_t group), (fd, user, group))

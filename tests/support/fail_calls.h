@@ -10,14 +10,16 @@
 namespace lumigram::test {
 
 // Besides the errors of errno.h:
-inline constexpr int kHalf = -1;  // a write takes half of the bytes; other calls pass
-inline constexpr int kKill = -2;  // the process is killed instead
+inline constexpr int kHalf = -1;   // reads and writes by position take half; other calls pass
+inline constexpr int kTaken = -2;  // an open64 finds a file of that name; other calls pass
+// The process ends there, as if killed, by becoming a program that exits with 8, or with 9 if it
+// has inherited a descriptor of a PNG file.
+inline constexpr int kExec = -3;
 
 // All calls of a whole read or write that can fail and that it cannot do without.
 inline constexpr char kAllCalls[] =
     "malloc calloc open64 fopen64 fdopen fread pread64 fseek ftell fgetpos64 fsetpos64 fcntl64 "
-    "fstat64 "
-    "pwrite64 fsync fchown fchmod close rename";
+    "fstat64 pwrite64 fsync fchown fchmod close rename";
 
 // While in scope, of the calls named (open64 also by fopen64), counted together from 0, the nth
 // fails with the error, or all from the nth on. One at a time.
@@ -26,7 +28,8 @@ class FailCalls {
   enum Times { kOnce, kFromThenOn };
   FailCalls(const char* calls, int nth, int error, Times times = kOnce);
   ~FailCalls();
-  bool Happened() const;  // whether so many calls were made
+  const char* Failed() const;  // the first call that failed; null: fewer calls were made
+  bool Happened() const { return Failed() != nullptr; }
 };
 
 // Runs in a child process; its exit status, or minus the signal that ended it.
