@@ -119,25 +119,25 @@ TEST(Extraction, PicksTheReaderAndTellsAPictureWithoutDocument) {
   const Bytes gif = GifScreen() + GifComment(longest) + kGifEnd, jpeg = JpegFrame() + kJpegEnd;
   Bytes largest = gif;
   largest.resize(2097152);  // behind the trailer
+  const Bytes png = PngStart() + PngDocument(shortest) + kPngEnd, bare = PngStart() + kPngEnd;
   // Status, dimensions and pop flag, which is 77 before; then the document.
-  const std::tuple<Bytes, FileType, std::array<int32_t, 4>, std::string> cases[] = {
-      {gif, 1, {0, 100, 80, 0}, longest},
-      {GifScreen() + kGifEnd, 1, {-5, 100, 80, 0}, ""},
-      {kJpegStart + JpegComment(shortest) + jpeg, 2, {0, 32, 16, 77}, shortest},
-      {kJpegStart + jpeg, 2, {-5, 32, 16, 77}, ""},
-      {PngStart() + PngDocument(shortest) + kPngEnd, 3, {0, 32, 16, 77}, shortest},
-      {PngStart() + kPngEnd, 3, {-5, 32, 16, 77}, ""},
-      // Only the type decides.
-      {gif, 3, {-30, 0, 0, 77}, ""},
-      {PngStart() + kPngEnd, 2, {-30, 0, 0, 77}, ""},
-      {gif, 0, {-99, 0, 0, 77}, ""},
-      {gif, 4, {-99, 0, 0, 77}, ""},
-      {largest, 1, {0, 100, 80, 0}, longest},
-      {largest + Bytes{0}, 1, {-99, 0, 0, 77}, ""},
-      {{}, 1, {-30, 0, 0, 77}, ""},  // after a second
+  const std::tuple<const char*, Bytes, FileType, std::array<int32_t, 4>, std::string> cases[] = {
+      {"GIF", gif, 1, {0, 100, 80, 0}, longest},
+      {"bare GIF", GifScreen() + kGifEnd, 1, {-5, 100, 80, 0}, ""},
+      {"JPEG", kJpegStart + JpegComment(shortest) + jpeg, 2, {0, 32, 16, 77}, shortest},
+      {"bare JPEG", kJpegStart + jpeg, 2, {-5, 32, 16, 77}, ""},
+      {"PNG", png, 3, {0, 32, 16, 77}, shortest},
+      {"bare PNG", bare, 3, {-5, 32, 16, 77}, ""},
+      {"only the type decides: GIF as PNG", gif, 3, {-30, 0, 0, 77}, ""},
+      {"PNG as JPEG", bare, 2, {-30, 0, 0, 77}, ""},
+      {"type 0", gif, 0, {-99, 0, 0, 77}, ""},
+      {"type 4", gif, 4, {-99, 0, 0, 77}, ""},
+      {"2 MiB", largest, 1, {0, 100, 80, 0}, longest},
+      {"2 MiB and a byte", largest + Bytes{0}, 1, {-99, 0, 0, 77}, ""},
+      {"empty, after a second", {}, 1, {-30, 0, 0, 77}, ""},
   };
-  for (const auto& [picture, type, numbers, text] : cases) {
-    SCOPED_TRACE(testing::PrintToString(numbers));
+  for (const auto& [what, picture, type, numbers, text] : cases) {
+    SCOPED_TRACE(what);
     const ScopedFile stream = Stream(picture);
     char document[kLumigramDocumentBufferBytes] = {};
     int32_t height = 0, width = 0, pop = 77;

@@ -22,7 +22,8 @@ namespace {
 constexpr uid_t kOther = 65534;  // a user and a group that own nothing
 const std::string k255Bytes = std::string(251, 'n') + ".GIF";
 const std::regex kTemporary("[.]lumigram-[a-z]{8}[.]png");
-const Bytes kOld(3000, 'o'), kShorter(1000, 's'), kLonger(5000, 'l');
+const Bytes kOld = Bytes(2000, 'o') + Bytes(1000, 'd');
+const Bytes kLonger = Bytes(4000, 'l') + Bytes(1000, 'r');
 
 constexpr char kNote[] = "user.note", kEmpty[] = "user.empty", kList[] = "system.posix_acl_access";
 // Owner and mask may read and write, group and user 289 read, everyone else nothing.
@@ -79,32 +80,84 @@ class Scene {
   TempFolder folder_;
 };
 
-int Replace(const Scene& scene, const char* name, const Bytes& bytes) {
-  return ReplaceFile(scene.Path(name).c_str(), bytes) == kOk ? 0 : 1;
-}
-
 enum Way { kRenamed, kInPlace, kNot };
 
-// Reads and writes take half of what they are asked for.
+struct Case {
+  std::string command;
+  Way way;
+  std::string path = "p.png", target = "p.png";  // written to; holding the new picture
+  bool asOther = false;
+  rlim_t sizeLimit = RLIM_INFINITY;
+  mode_t firstMode = 0;  // of the temporary file
+};
+
+// Replaces a picture while the nth of these calls fails. False when there were fewer calls: then
+// nothing has failed, and nothing is checked. A process that is killed leaves the old picture or
+// the new one, and perhaps a temporary file; no program that it starts has inherited either.
+bool Check(const Case& c, const char* calls, int nth, int error) {
+  enum { kDone, kInjured = 2, kRefused = 4, kKilled = 8 };  // what the process ends with
+  const char* const what = error > 0 ? strerror(error) : error == kHalf ? "half" : "other";
+  SCOPED_TRACE(testing::Message() << c.command.substr(0, 99) << "; " << what << ": " << calls
+                                  << ", call " << nth);
+  const Scene scene(c.command);
+  if (c.path == "q.png") SetAttribute(scene.Path(""), "system.posix_acl_default", kAccessList);
+  const std::string target = scene.Path(c.target), access = AccessTo(target);
+  const Bytes before = ReadWhole(target);
+  const struct stat file = StatusOf(target);  // zeros: none
+  const int result = InChild([&] {
+    const rlimit size = {c.sizeLimit, c.sizeLimit};
+    signal(SIGXFSZ, SIG_IGN);
+    umask(error == kExec ? 0 : 027);
+    if (chdir(scene.Path("").c_str()) != 0 || setrlimit(RLIMIT_FSIZE, &size) != 0 ||
+        (c.asOther && (setgroups(0, nullptr) != 0 || setgid(kOther) != 0 || setuid(kOther) != 0)))
+      return 9;
+    const FailCalls fail(calls, nth, error);
+    errno = ENOENT;  // left by another call
+    const Status status = ReplaceFile(c.path.c_str(), kLonger);
+    return (status == kOk ? kDone : kRefused) + (fail.Happened() ? kInjured : 0);
+  });
+  if (result == kDone && nth > 0) return false;
+  const Bytes after = ReadWhole(target);
+  const mode_t left = StatusOf(scene.Temporary()).st_mode;
+  if (error == kExec) {
+    EXPECT_EQ(result, kKilled);
+    EXPECT_TRUE(after == before || after == kLonger);
+    EXPECT_TRUE(left == 0 || left == c.firstMode || left == file.st_mode) << std::oct << left;
+    return true;
+  }
+  EXPECT_EQ(result & ~kInjured, c.way == kNot ? kRefused : kDone);
+  EXPECT_EQ(after, c.way == kNot ? before : kLonger);
+  EXPECT_EQ(StatusOf(target).st_ino != file.st_ino, c.way == kRenamed);
+  EXPECT_EQ(left != 0, error == kTaken) << "somebody else's file of that name stays";
+  if (file.st_ino == 0 && c.way == kRenamed) {
+    EXPECT_EQ(StatusOf(target).st_mode, mode_t{S_IFREG | 0640});
+  } else if (strcmp(calls, "fsetxattr") != 0) {
+    EXPECT_EQ(AccessTo(target), access);
+  }
+  return true;
+}
+
 TEST(ReplaceFile, KindsOfFilesAndFolders) {
-  const struct Case {
-    std::string command;
-    Way way;
-    std::string path = "p.png", target = "p.png";  // written to; holding the new picture
-    bool asOther = false;
-    rlim_t sizeLimit = RLIM_INFINITY;
-  } cases[] = {
+  const auto at = [](size_t size) { return "." + std::string(size - 6, '/') + "p.png"; };
+  const Case cases[] = {
       {": a picture", kRenamed},
-      {"ln -s p.png l.gif", kRenamed, "l.gif"},
+      {"rm p.png; install -m 640 /dev/null p.png", kRenamed},  // no access list
       {"mkdir d; ln -s ../p.png d/l; ln -s $PWD/d/l l.gif", kRenamed, "l.gif"},
+      {"ln -s p.png 1; for i in $(seq 39); do ln -s $i $((i+1)); done; mv 40 40.gif", kRenamed,
+       "40.gif"},
       {"ln -s new l.gif", kRenamed, "l.gif", "new"},
       {"ln -s l.gif l.gif", kNot, "l.gif"},
-      {"ln -s $(printf './%.0s' $(seq 2040))p.png l.gif", kNot, "l.gif"},
+      {"ln -s " + at(4095) + " l.gif", kInPlace, "l.gif"},
+      {"ln -s " + at(4094) + " l.gif", kNot, "./l.gif"},
+      {": room for another name", kRenamed, at(4095 - 17)},
+      {": no room for another name", kInPlace, at(4096 - 17)},
+      {": longest path", kInPlace, at(4095)},
+      {": too long a path", kNot, at(4096)},
       {"ln p.png h.png; chmod 6750 p.png", kInPlace, "h.png"},
       {"mv p.png " + k255Bytes, kRenamed, k255Bytes, k255Bytes},
       {": no file", kRenamed, "new.png", "new.png"},
       {"chown 0 p.png || test $(id -u) != 0", kRenamed},  // only the group differs
-      {"mv p.png p.txt", kNot, "p.txt", "p.txt"},
+      {"chgrp 0 p.png || test $(id -u) != 0", kRenamed},  // only the owner
       {"mkdir d.png", kNot, "d.png"},
       {"cp p.png q.png", kRenamed, "q.png", "q.png"},  // where new files inherit an access list
       {": a full disk, half-way", kNot, "p.png", "p.png", false, 4500},
@@ -116,144 +169,58 @@ TEST(ReplaceFile, KindsOfFilesAndFolders) {
       {"chown 65534:65534 . p.png; chmod 6750 p.png", kRenamed, "p.png", "p.png", true},
   };
   for (const Case& c : cases) {
-    if (c.asOther && getuid() != 0) continue;  // skipped below
-    SCOPED_TRACE(c.command);
-    const Scene scene(c.command);
-    if (c.path == "q.png") SetAttribute(scene.Path(""), "system.posix_acl_default", kAccessList);
-    const std::string target = scene.Path(c.target);
-    const ino_t before = StatusOf(target).st_ino;  // 0: no file
-    const std::string access = AccessTo(target);
-    const int status = InChild([&] {
-      const rlimit size = {c.sizeLimit, c.sizeLimit};
-      signal(SIGXFSZ, SIG_IGN);
-      umask(027);
-      if (setrlimit(RLIMIT_FSIZE, &size) != 0 ||
-          (c.asOther && (setgroups(0, nullptr) != 0 || setgid(kOther) != 0 || setuid(kOther) != 0)))
-        return 9;
-      const FailCalls fail("pread64 pwrite64", 0, kHalf, FailCalls::kFromThenOn);
-      return Replace(scene, c.path.c_str(), kLonger);
-    });
-    EXPECT_EQ(status, c.way == kNot);
-    EXPECT_EQ(scene.Temporary(), "");
-    EXPECT_EQ(ReadWhole(target), c.way == kNot ? kOld : kLonger);
-    EXPECT_EQ(StatusOf(target).st_ino != before, c.way == kRenamed);
-    EXPECT_TRUE(before == 0 ? StatusOf(target).st_mode == (S_IFREG | 0640)
-                            : AccessTo(target) == access);
+    if (!c.asOther || getuid() == 0) Check(c, "pread64 pwrite64", 0, kHalf);
   }
   if (getuid() != 0) GTEST_SKIP() << "what another user may do: only root can become one";
 }
 
-// A failing close() of a picture that was written in place comes too late to put it back.
-constexpr char kInPlaceCalls[] = "malloc open64 pread64 pwrite64 fsync ftruncate64";
-constexpr char kCalls[] = "open64 pwrite64 fsync fchown fchmod rename";
-
-// Each call fails in turn. What an interrupted call, or one that takes half, leaves undone is done.
+// Which failures are failures, which lead to writing in place, and which are overcome: what an
+// interrupted call, or one that takes half, leaves undone is done.
 TEST(ReplaceFile, EachCallFailing) {
+  constexpr int kEach = -1;  // in turn
   constexpr char kRepeated[] = "open64 pread64 pwrite64 fsync ftruncate64 close";
-  const std::tuple<const char*, Bytes, const char*> writes[] = {
-      {": a picture", kLonger, kCalls},
-      {"ln p.png h.png; : longer", kLonger, kInPlaceCalls},
-      {"ln p.png h.png; : shorter", kShorter, kInPlaceCalls},
-      {"rm p.png", kLonger, kCalls}};
-  for (const auto& [command, bytes, calls] : writes) {
-    for (const int error : {EIO, EINTR, kHalf}) {
-      const char* failed = "";
-      for (int nth = 0; failed != nullptr; ++nth) {
-        const Scene scene(command);
-        const Bytes before = ReadWhole(scene.Path());
-        const FailCalls fail(error == EIO ? calls : kRepeated, nth, error);
-        const int status = Replace(scene, "p.png", bytes);
-        failed = fail.Failed();
-        SCOPED_TRACE(testing::Message() << command << "; " << failed << ", call " << nth << ": "
-                                        << (error == kHalf ? "half" : strerror(error)));
-        EXPECT_EQ(status, failed != nullptr && error == EIO);
-        EXPECT_EQ(ReadWhole(scene.Path()), status == 0 ? bytes : before);
-        EXPECT_EQ(StatusOf(scene.Path()).st_ino != 0, status == 0 || !before.empty());
-        EXPECT_EQ(scene.Temporary(), "");
-      }
-    }
-  }
-}
-
-// A process that is killed leaves the old picture or the new one, and perhaps a temporary file,
-// with which nobody may do more than with the picture. Nothing that it starts meanwhile has either.
-TEST(ReplaceFile, KilledAtEachCall) {
-  const std::pair<std::string, mode_t> pictures[] = {
-      {": with an access list, or for the group only", 0600},
-      {"rm p.png; install -m 755 /dev/null p.png", 0655},
-      {"rm p.png; install -m 604 /dev/null p.png", 0600}};
-  for (const auto& [command, mode] : pictures) {
-    for (int nth = 0, result = 8; result == 8; ++nth) {
-      SCOPED_TRACE(testing::Message() << command << ", call " << nth);
-      const Scene scene(command);
-      const Bytes before = ReadWhole(scene.Path());
-      const mode_t wanted = StatusOf(scene.Path()).st_mode;
-      result = InChild([&] {
-        umask(0);
-        const FailCalls fail(kCalls, nth, kExec);
-        return Replace(scene, "p.png", kLonger);
-      });
-      const mode_t left = StatusOf(scene.Temporary()).st_mode;  // 0: no file
-      EXPECT_TRUE(result == 8 || (result == 0 && left == 0)) << result;
-      EXPECT_TRUE(left == 0 || left == (S_IFREG | mode) || left == wanted) << std::oct << left;
-      const Bytes after = ReadWhole(scene.Path());
-      EXPECT_TRUE(after == kLonger || (result == 8 && after == before));
-    }
-  }
-}
-
-// Paths that have no room for the name of a file beside the picture, or are too long themselves.
-TEST(ReplaceFile, LongPaths) {
-  const Scene scene;
-  for (std::string folder = scene.Path(""); folder.size() < 4100; folder += "./") {
-    if (folder.size() < 4060) continue;
-    const ino_t before = StatusOf(scene.Path()).st_ino;
-    const Status status = ReplaceFile((folder + "p.png").c_str(), kLonger);
-    EXPECT_EQ(status == kOk, folder.size() + 5 < 4096) << folder.size();
-    EXPECT_EQ(StatusOf(scene.Path()).st_ino != before, folder.size() + 22 < 4096) << folder.size();
-  }
-}
-
-// Which failures lead to writing in place, and which are failures.
-TEST(ReplaceFile, RefusedOrFailed) {
+  constexpr char kCalls[] = "open64 pwrite64 fsync fchown fchmod rename";
+  // A failing close() comes too late to put the old picture back.
+  constexpr char kInPlaceCalls[] = "malloc open64 pread64 pwrite64 fsync ftruncate64";
+  const std::vector<int> failures = {ENOSPC, EDQUOT, EIO}, repeated = {EINTR, kHalf};
   const std::vector<int> refusals = {EACCES,       EPERM,  EROFS,      EBUSY,  EXDEV,
                                      ENAMETOOLONG, ENOSYS, EOPNOTSUPP, ETXTBSY};
-  const std::vector<int> failures = {ENOSPC, EDQUOT, EIO};
+  const auto killed = [](const char* command, mode_t firstMode) {
+    return Case{.command = command, .way = kRenamed, .firstMode = S_IFREG | firstMode};
+  };
   const struct {
-    const char* call;
+    Case c;
+    const char* calls;
     int nth;
     std::vector<int> errors;
-    Way way;
-    bool hasList = false;  // and needs one
-  } cases[] = {{"open64", 0, refusals, kNot},
-               {"open64", 1, refusals, kInPlace},
-               {"open64", 1, failures, kNot},
-               {"open64", 1, {EMFILE}, kNot},
-               {"open64", 1, {kTaken}, kRenamed},
-               {"rename", 0, refusals, kInPlace},
-               {"rename", 0, failures, kNot},
-               {"fchmod", 0, {EPERM, EINVAL}, kInPlace},
-               {"fchmod", 0, failures, kNot},
-               {"fsync", 0, {EINVAL, ENOSYS}, kRenamed},
-               {"fsync", 0, {EPERM}, kNot},
-               {"close", 0, failures, kNot},
-               {"fsetxattr", 0, failures, kRenamed, true},
-               {"fsetxattr", 2, {EPERM}, kInPlace, true},
-               {"fsetxattr", 2, failures, kNot, true},
-               {"malloc", 0, {ENOMEM}, kNot, true}};
+  } rows[] = {{{":", kNot}, kCalls, kEach, failures},
+              {{":", kRenamed}, kRepeated, kEach, repeated},
+              {{":", kNot}, "close", 0, failures},
+              {{":", kNot}, "open64", 0, refusals},
+              {{":", kInPlace}, "open64", 1, refusals},
+              {{":", kRenamed}, "open64", 1, {kTaken}},
+              {{":", kInPlace}, "rename", 0, refusals},
+              {{":", kInPlace}, "fchmod", 0, {EPERM, EINVAL}},
+              {{":", kRenamed}, "fsync", 0, {EINVAL, ENOSYS}},
+              {{": list", kRenamed}, "fsetxattr", 0, failures},
+              {{": list", kInPlace}, "fsetxattr", 2, {EPERM}},
+              {{": list", kNot}, "fsetxattr", 2, failures},
+              {{": list", kNot}, "malloc", 0, {ENOMEM}},
+              {{"ln p.png longer", kNot}, kInPlaceCalls, kEach, failures},
+              {{"ln p.png longer", kInPlace}, kRepeated, kEach, repeated},
+              {{"ln p.png h; truncate -s 7000 h", kNot}, kInPlaceCalls, kEach, failures},
+              {{"ln p.png h; truncate -s 7000 h", kInPlace}, kRepeated, kEach, repeated},
+              {{"rm p.png", kNot}, "open64 pwrite64 fsync close", kEach, failures},
+              {{"rm p.png", kRenamed}, kRepeated, kEach, repeated},
+              {killed(":", 0600), kCalls, kEach, {kExec}},
+              {killed("rm p.png; install -m 755 /dev/null p.png", 0655), kCalls, kEach, {kExec}},
+              {killed("rm p.png; install -m 604 /dev/null p.png", 0600), kCalls, kEach, {kExec}}};
   const bool hasLists = AccessTo(Scene().Path()).find("none") == std::string::npos;
-  for (const auto& c : cases) {
-    if (c.hasList && !hasLists) continue;  // skipped below
-    for (const int error : c.errors) {
-      SCOPED_TRACE(testing::Message() << c.call << ", call " << c.nth << ": "
-                                      << (error == kTaken ? "taken" : strerror(error)));
-      const Scene scene;
-      const ino_t before = StatusOf(scene.Path()).st_ino;
-      const FailCalls fail(c.call, c.nth, error);
-      EXPECT_EQ(Replace(scene, "p.png", kLonger), c.way == kNot);
-      EXPECT_EQ(ReadWhole(scene.Path()), c.way == kNot ? kOld : kLonger);
-      EXPECT_EQ(StatusOf(scene.Path()).st_ino != before, c.way == kRenamed);
-      EXPECT_EQ(!scene.Temporary().empty(), error == kTaken) << "a file of that name stays";
+  for (const auto& [c, calls, first, errors] : rows) {
+    if (c.command == ": list" && !hasLists) continue;  // skipped below
+    for (const int error : errors) {
+      int nth = std::max(first, 0);
+      while (Check(c, calls, nth, error) && first == kEach) ++nth;
     }
   }
   if (!hasLists) GTEST_SKIP() << "access lists and attributes: there are none in this folder";

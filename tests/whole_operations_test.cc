@@ -71,17 +71,21 @@ TEST(WholeOperations, EachCallFailingOnceOrFromThenOn) {
     const std::string path = folder.Write(extension, picture);
     const auto files = count(folder.Path("")), open = count("/proc/self/fd");
     for (int run = 0, left = 8; left > 0; ++run) {
-      SCOPED_TRACE(testing::Message() << extension << ", run " << run);
-      const bool writes = run % 2 == 0;
+      const bool writes = run % 2 == 0, once = run % 4 < 2, throughStdio = run % 8 < 4;
       folder.Write(extension, picture);
-      std::string category;
+      std::string category, failed;
       int32_t status;
       {
-        const auto times = run % 4 < 2 ? FailCalls::kOnce : FailCalls::kFromThenOn;
-        const FailCalls fail(kAllCalls, run / 8, EIO, times);
-        status = Operate(path, writes ? &record : nullptr, &category, run % 8 < 4);
-        left = fail.Happened() ? 8 : left - 1;
+        const FailCalls fail(kAllCalls, run / 8, EIO,
+                             once ? FailCalls::kOnce : FailCalls::kFromThenOn);
+        status = Operate(path, writes ? &record : nullptr, &category, throughStdio);
+        if (fail.Happened()) failed = fail.Failed();
       }
+      left = failed.empty() ? left - 1 : 8;
+      SCOPED_TRACE(testing::Message()
+                   << (writes ? "writing " : "reading ") << extension
+                   << (throughStdio ? " through stdio; " : "; ") << failed << ", call " << run / 8
+                   << (once ? ", fails" : " and all later ones fail"));
       EXPECT_TRUE((std::set<int32_t>{0, -1, -20, -30, -99}.contains(status))) << status;
       EXPECT_TRUE(status == 0 || left == 8);
       EXPECT_EQ(ReadWhole(path) != picture, writes && status == 0);

@@ -128,7 +128,7 @@ size_t FolderSize(const char* path) {
 // Replaces the path by the one that the links in its last component lead to; it need not exist.
 bool FollowLinks(char (&path)[PATH_MAX]) {
   constexpr int kMaxLinks = 40;  // as many as the kernel follows
-  for (int i = 0; i < kMaxLinks; ++i) {
+  for (int i = 0; i <= kMaxLinks; ++i) {
     char link[PATH_MAX];
     const ssize_t n = readlink(path, link, sizeof(link));
     if (n < 0) return true;

@@ -19,19 +19,14 @@ struct Plan {
   bool isNow;
 } plan;
 
-// Fails if it has inherited an open picture, or the new file that is to become one.
-void BecomeAnotherProgram() {
-  execl("/bin/sh", "sh", "-c", "ls -l /proc/self/fd | grep -q '[.]png$' && exit 9; exit 8",
-        nullptr);
-}
-
 bool Fails(const char* call) {
   if (plan.calls == nullptr) return false;
   const int index = strstr(plan.calls, call) != nullptr ? plan.made++ : -1;
-  plan.isNow = index == plan.nth || (index > plan.nth && plan.fromThenOn);
+  plan.isNow = plan.fromThenOn ? index >= plan.nth : index == plan.nth;
   if (!plan.isNow) return false;
   if (plan.failed == nullptr) plan.failed = call;
-  if (plan.error == kExec) BecomeAnotherProgram();
+  constexpr char kProgram[] = "ls -l /proc/self/fd | grep -q '[.]png$' && exit 9; exit 8";
+  if (plan.error == kExec) execl("/bin/sh", "sh", "-c", kProgram, nullptr);
   errno = plan.error;
   return plan.error > 0;
 }
@@ -46,7 +41,7 @@ const char* Take(const char* path) {
 }  // namespace
 
 FailCalls::FailCalls(const char* calls, int nth, int error, Times times) {
-  plan = {calls, nth, error, times == kFromThenOn, 0, nullptr, false};
+  plan = {calls, nth, error, times == kFromThenOn || error == kHalf, 0, nullptr, false};
 }
 FailCalls::~FailCalls() { plan = {}; }
 const char* FailCalls::Failed() const { return plan.failed; }

@@ -10,7 +10,8 @@
 namespace lumigram::test {
 
 // Besides the errors of errno.h:
-inline constexpr int kHalf = -1;   // reads and writes by position take half; other calls pass
+inline constexpr int kHalf =
+    -1;  // from then on reads and writes by position take half; other calls pass
 inline constexpr int kTaken = -2;  // an open64 finds a file of that name; other calls pass
 // The process ends there, as if killed, by becoming a program that exits with 8, or with 9 if it
 // has inherited a descriptor of a PNG file.
