@@ -8,7 +8,9 @@
 #include <filesystem>
 
 #include "core/base/byte_source.h"
+#include "core/file/picture_file.h"
 #include "lumigram.h"
+#include "tests/support/fail_calls.h"
 #include "tests/support/gif_builder.h"
 #include "tests/support/jpeg_builder.h"
 #include "tests/support/png_builder.h"
@@ -45,9 +47,6 @@ TEST(OpenFile, StatusesAndWhatIsStored) {
   EXPECT_EQ(OpenFile(missing.c_str(), 0, &stream, &type), -20);
   EXPECT_EQ(stream, nullptr);
   EXPECT_EQ(type, 3);
-  ASSERT_EQ(OpenFile(there.c_str(), 1, &stream, &type), 0);
-  fclose(stream);
-  EXPECT_EQ(ReadWhole(there), Bytes()) << "opening for writing truncates";
 }
 
 // U+1F600 as Java delivers it, and as the file system has it.
@@ -73,6 +72,24 @@ TEST(OpenFile, FindsBothSpellingsOfAnEmoji) {
   EXPECT_EQ(open(0), std::pair(0, int{'d'})) << "the spelling as delivered comes first";
   EXPECT_EQ(open(1).first, 0);
   EXPECT_EQ(ReadWhole(folder.Path(kFace)), Text("real")) << "the other was there to be written";
+  EXPECT_EQ(ReadWhole(folder.Path(kJavaFace)), Bytes()) << "opening for writing truncates";
+}
+
+// An empty file is read as a stream.
+TEST(PictureFile, LeavesNoDescriptorBehind) {
+  const TempFolder folder;
+  const std::string path = folder.Write("a.png", {});
+  const auto open = [&](const char* call, int error) {
+    const FailCalls fail(call, 0, error);
+    return int{PictureFile().Open(path.c_str())};
+  };
+  EXPECT_EQ(InChild([&] { return open("fstat64", kExec); }), 8) << "to another program";
+  const auto count = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const auto before = count();
+  EXPECT_EQ(open("fdopen", EMFILE), -20);
+  EXPECT_EQ(count(), before);
 }
 
 TEST(Sizes, LeaveTheStreamWhereTheyPromise) {
@@ -97,6 +114,12 @@ TEST(Sizes, LeaveTheStreamWhereTheyPromise) {
   EXPECT_EQ(GetFileLength(nullptr), -1);
   void* block;
   EXPECT_EQ(GetMemory(nullptr, &block), 0u);
+  const ScopedFile stream = Stream(zeros, Opened::kForUpdate);
+  for (const char* call : {"fgetpos64", "fseek", "ftell", "fsetpos64"}) {
+    int32_t size = 0;
+    const FailCalls fail(call, 0, EIO);
+    EXPECT_EQ(CommonGetFileSize(stream.get(), &size), -1) << call;
+  }
 }
 
 TEST(Sizes, StopAtWhatA32BitPositionCanTell) {
