@@ -141,20 +141,10 @@ bool FollowLinks(char (&path)[PATH_MAX]) {
   return false;
 }
 
-// Something that differs among threads and moments, without state of our own.
-uint64_t Seed() {
+uint64_t Nanoseconds() {
   timespec now = {};
   (void)clock_gettime(CLOCK_MONOTONIC, &now);
-  const uint64_t stack = reinterpret_cast<uintptr_t>(&now);
-  return static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec) +
-         (stack << 20);
-}
-
-// Spreads the difference of two seeds over all their bits, and so over all letters.
-uint64_t Mix(uint64_t x) {
-  x = (x ^ x >> 30) * 0xBF58476D1CE4E5B9;
-  x = (x ^ x >> 27) * 0x94D049BB133111EB;
-  return x ^ x >> 31;
+  return static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
 }
 
 // Creates a file with a new name in the target's folder. False with errno set.
@@ -172,9 +162,10 @@ bool CreateBeside(const char* target, const char* extension, mode_t mode, char (
   strcpy(path + folder, kPrefix);
   char* const letters = path + folder + strlen(kPrefix);
   strcpy(letters + kLetters, extension);
-  const uint64_t seed = Seed();
+  // A second writer in the same nanosecond finds the name taken and tries the next one.
+  const uint64_t moment = Nanoseconds();
   for (int i = 0; i < kMaxTries; ++i) {
-    uint64_t name = Mix(seed + static_cast<uint64_t>(i));
+    uint64_t name = moment + static_cast<uint64_t>(i);
     for (size_t k = 0; k < kLetters; ++k, name /= 26)
       letters[k] = static_cast<char>('a' + name % 26);
     if (file->Create(path, mode)) return true;
