@@ -49,7 +49,7 @@ std::string AccessTo(const std::string& path) {
   for (const auto& [name, value] : kAttributes) {
     char bytes[256];
     const ssize_t n = getxattr(path.c_str(), name, bytes, sizeof(bytes));
-    access += n < 0 ? ", none" : ", " + std::string(bytes, static_cast<size_t>(n));
+    access += n < 0 ? "none" : std::string(bytes, static_cast<size_t>(n));
   }
   return access;
 }
@@ -137,7 +137,7 @@ bool Check(const Case& c, const char* calls, int nth, int error) {
 }
 
 TEST(ReplaceFile, KindsOfFilesAndFolders) {
-  const auto at = [](size_t size) { return "." + std::string(size - 6, '/') + "p.png"; };
+  const auto at = [](size_t size) { return std::string(".").append(size - 6, '/') + "p.png"; };
   const Case cases[] = {
       {": a picture", kRenamed},
       {"rm p.png; install -m 640 /dev/null p.png", kRenamed},  // no access list
@@ -146,8 +146,8 @@ TEST(ReplaceFile, KindsOfFilesAndFolders) {
        "40.gif"},
       {"ln -s new l.gif", kRenamed, "l.gif", "new"},
       {"ln -s l.gif l.gif", kNot, "l.gif"},
-      {"ln -s " + at(4095) + " l.gif", kInPlace, "l.gif"},
-      {"ln -s " + at(4094) + " l.gif", kNot, "./l.gif"},
+      {std::string("ln -s ").append(at(4095)) + " l.gif", kInPlace, "l.gif"},
+      {std::string("ln -s ").append(at(4094)) + " l.gif", kNot, "./l.gif"},
       {": room for another name", kRenamed, at(4095 - 17)},
       {": no room for another name", kInPlace, at(4096 - 17)},
       {": longest path", kInPlace, at(4095)},
