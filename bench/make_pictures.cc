@@ -1,7 +1,7 @@
-// Makes folders of pictures to measure with. Usage:
-//   make_pictures FOLDER            FOLDER/plain and FOLDER/tagged: a built set, without and with a
-//                                   document
-//   make_pictures FOLDER PICTURES   the same of the pictures in a folder: copies, and tagged copies
+// Makes folders of pictures for the benchmarks. Usage:
+//   make_pictures FOLDER            builds pictures without a document in FOLDER/plain, and copies
+//                                   with a document in FOLDER/tagged
+//   make_pictures FOLDER PICTURES   copies the pictures of the folder PICTURES instead
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -24,7 +24,7 @@ bool Tag(const std::string& path) {
   return status == kLumigramOk;
 }
 
-// By numbers: the pictures may come from many folders.
+// Copies are named by numbers: pictures from several folders may have the same name.
 void Copy(const std::string& pictures, const fs::path& folder) {
   for (const PictureSet& set : PicturesOf(pictures)) {
     for (size_t i = 0; i < set.paths.size(); ++i)

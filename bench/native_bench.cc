@@ -1,9 +1,9 @@
-// What the exported functions cost. Usage: native_bench [benchmark options] [FOLDER...]
+// Measures the exported functions. Usage: native_bench [benchmark options] [FOLDER...]
 //
-//   read/...         each kind in each folder: "ratio" is to the least that any program does with a
-//                    picture: open, fstat, read whole, close
-//   read N KiB/...   how that grows with the picture: "ns_per_byte", and the ratio
-//   entries/...      how reading and writing grow with tags and blobs: "ns_per_entry"
+//   read/...         reading each kind in each folder. "ratio" compares with the yardstick: open,
+//                    fstat, read of the whole file, close
+//   read N KiB/...   reading pictures of growing size: "ns_per_byte", and the ratio
+//   entries/...      reading and writing with growing numbers of tags and blobs: "ns_per_entry"
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -98,7 +98,7 @@ void RegisterSizes(const std::string& folder) {
   }
 }
 
-// What is measured comes upon a picture that has the entries already.
+// The measured work starts with a picture that has the entries already.
 void RegisterEntries(const std::string& folder) {
   const std::string path = BuildPicturesOfSize(folder, 2048).back().paths[0];
   for (const int count : {1, 5, 20, 50, 100}) {
@@ -121,7 +121,7 @@ void RegisterEntries(const std::string& folder) {
   }
 }
 
-// A second thread makes stdio take its locks, as it does in a Java virtual machine.
+// Because of a second thread stdio takes its locks, as it does in a Java virtual machine.
 class IdleThread {
  public:
   IdleThread()

@@ -1,5 +1,5 @@
-// Work and its yardstick measured in turn, in one process, so that what else the machine does falls
-// on both.
+// Measures work and its yardstick in turn, in one process, so that other load on the machine
+// affects both.
 #ifndef LUMIGRAM_BENCH_PAIRED_H_
 #define LUMIGRAM_BENCH_PAIRED_H_
 
@@ -26,8 +26,8 @@ double SecondsOver(const std::vector<std::string>& paths, Work work) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// One round is the yardstick over all paths, then the work over all paths. Counters: "ratio" is the
-// median of the rounds' ratios; "us" and "yardstick_us" are medians for one picture.
+// One round runs the yardstick over all paths, and then the work over all paths. Counters: "ratio"
+// is the median of the rounds' ratios; "us" and "yardstick_us" are medians for one picture.
 template <typename Work, typename Yardstick>
 void MeasurePaired(benchmark::State& state, const std::vector<std::string>& paths, Work work,
                    Yardstick yardstick) {

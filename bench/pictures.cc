@@ -19,13 +19,13 @@ constexpr int kPicturesOfASet = 300;
 
 using Random = std::mt19937;
 
-// Sizes around a median, a quarter of it to four times.
+// A random size from a quarter of the median to four times the median.
 size_t SizeAround(size_t median, Random& random) {
   return static_cast<size_t>(static_cast<double>(median) *
                              std::exp2(std::uniform_real_distribution(-2.0, 2.0)(random)));
 }
 
-// Bytes as compressed pixels are, without the escapes that a JPEG needs.
+// Random bytes like compressed pixels. They lack FF, which a JPEG would have to escape.
 Bytes Pixels(size_t size, Random& random) {
   Bytes bytes(size);
   for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() % 255);
@@ -72,7 +72,7 @@ void Write(const std::string& path, const Bytes& bytes) {
       .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
 }
 
-// Reading it also brings it into the page cache.
+// This read also brings the file into the page cache.
 bool IsReadable(const std::string& path, FileType* type) {
   FILE* stream = nullptr;
   if (OpenFile(path.c_str(), 0, &stream, type) != kLumigramOk) return false;
@@ -110,7 +110,7 @@ void BuildPictures(const std::string& folder) {
 
 std::vector<PictureSet> BuildPicturesOfSize(const std::string& folder, size_t size) {
   Random random(2);
-  // What the rest of the pictures takes, and of GIF data the size bytes.
+  // Subtract the size of the rest of the picture, and of the size bytes of a GIF.
   const size_t room = size - 200 - size / 255;
   const Bytes pixels = Pixels(room, random);
   const Bytes head = kJpegStart + JpegFrame(64, 64) + JpegSegment(0xDA, Pixels(10, random));

@@ -1,5 +1,5 @@
-/* What any program does that rewrites a file safely, for Java to call: open, status, read whole,
- * then a new file, sync and rename. */
+/* The yardstick of a safe rewrite, called from Java: open, fstat and read of the whole file, then a
+ * new file, fsync and rename. */
 #include <fcntl.h>
 #include <jni.h>
 #include <stdio.h>
@@ -11,7 +11,8 @@ static void Require(int holds) {
   if (!holds) abort();
 }
 
-JNIEXPORT void JNICALL Java_lumigram_bench_Bench_rewrite(JNIEnv* env, jclass type, jstring javaPath) {
+JNIEXPORT void JNICALL Java_lumigram_bench_Bench_rewrite(JNIEnv* env, jclass type,
+                                                         jstring javaPath) {
   static char contents[1 << 22];
   const char* const path = (*env)->GetStringUTFChars(env, javaPath, NULL);
   const int in = open(path, O_RDONLY | O_CLOEXEC);

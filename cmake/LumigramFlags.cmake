@@ -1,4 +1,4 @@
-# Compiler flags, as two interface targets: for everything we compile, and for what goes into the library.
+# Compiler flags, as two interface targets: for all code, and for the code of the library.
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
@@ -10,14 +10,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION MATCHES "
   # False alarms for "literal" + std::string, depending on what is inlined: GCC bug 105651.
   target_compile_options(lumigram_flags INTERFACE -Wno-restrict)
 endif()
-# An error only where the tree is known to be clean: another compiler's or another C library's warning must not stop a
+# Warnings are errors only with the compilers that we test with: a warning of another compiler or C library must not stop a
 # user's build.
 if(NOT ANDROID AND ((CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION MATCHES "^12\\.") OR
    (CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_CXX_COMPILER_VERSION MATCHES "^14\\.")))
   target_compile_options(lumigram_flags INTERFACE -Werror)
 endif()
 
-# Files over 2 GiB must open, if only to be refused, on 32-bit machines too. Bionic's file sizes are 64-bit as they are.
+# On 32-bit machines, too, files over 2 GiB must open, so that we can refuse them. Android's file sizes always have 64 bits.
 if(NOT ANDROID)
   target_compile_definitions(lumigram_flags INTERFACE _FILE_OFFSET_BITS=64)
 endif()

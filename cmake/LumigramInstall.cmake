@@ -1,5 +1,5 @@
-# What `cmake --install` puts in place, and what `cpack` packs. Everything is found from where it stands, by no absolute
-# path: a tree that was installed under one prefix works under another.
+# The files of `cmake --install` and of `cpack`. No installed file contains an absolute path, so that an installed tree can be
+# moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -19,7 +19,7 @@ write_basic_package_version_file(lumigram-config-version.cmake COMPATIBILITY Sam
 install(EXPORT lumigram NAMESPACE lumigram:: FILE lumigram-config.cmake DESTINATION ${package_dir})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumigram-config-version.cmake DESTINATION ${package_dir})
 
-# pkg-config knows the folder of the file that it reads; from there it is as many steps up as the library's folder is deep.
+# pkg-config sets pcfiledir to the folder of the .pc file. The prefix is relative to it: one ".." for each folder in between.
 set(pc_prefix ${CMAKE_INSTALL_PREFIX})
 if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   file(RELATIVE_PATH steps /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
@@ -31,7 +31,7 @@ cmake_path(APPEND pc_includedir "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
 configure_file(cmake/lumigram.pc.in lumigram.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumigram.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# A Debian package. Its dependencies are what the linked files turn out to need.
+# A Debian package. Its dependencies are computed from the linked files.
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING)
   set(CPACK_GENERATOR DEB)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -1,5 +1,5 @@
-# Where jni.h is. CMake's own module wants a full JDK with its graphical parts, which a headless machine has not; the
-# header stands beside the compiler. An Android toolchain brings its own.
+# Finds jni.h. CMake's own module requires a full JDK with its graphical libraries, which a headless JDK lacks; so we look
+# beside javac. An Android toolchain has its own jni.h.
 add_library(lumigram_jni_headers INTERFACE)
 if(NOT ANDROID)
   find_program(LUMIGRAM_JAVAC javac REQUIRED)

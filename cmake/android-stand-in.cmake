@@ -1,9 +1,9 @@
-# Stands in for the NDK's toolchain file where there is no NDK: armeabi-v7a, API level 21, by Debian's Clang, LLVM's C++
-# library and linker, Android's own jni.h, and the headers of Debian's C library for 32-bit ARM. The C library to link with
-# is a stub of android-libc.txt, so that a use of anything else is a link error. What comes out is laid out as for Android
-# and is not fit to run: structures of the C library have other layouts there.
+# Replaces the NDK's toolchain file if there is no NDK: armeabi-v7a, API level 21, with Debian's Clang, LLVM's C++ library and
+# linker, Android's own jni.h, and the headers of Debian's C library for 32-bit ARM. We link with a stub C library made from
+# android-libc.txt, so that a use of any other function is a link error. The result has the ELF layout of an Android library,
+# but cannot run, because structures of Android's C library have other layouts.
 set(CMAKE_SYSTEM_NAME Android)
-set(CMAKE_SYSTEM_VERSION 1)  # as the NDK's file says: nothing is left for CMake to find
+set(CMAKE_SYSTEM_VERSION 1)  # as in the NDK's file: CMake must not search for an NDK
 set(CMAKE_SYSTEM_PROCESSOR armv7-a)
 set(ANDROID TRUE)
 set(ANDROID_ABI armeabi-v7a)
@@ -13,7 +13,7 @@ set(CMAKE_C_COMPILER_TARGET armv7-none-linux-androideabi21)
 set(CMAKE_CXX_COMPILER_TARGET ${CMAKE_C_COMPILER_TARGET})
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
-# Libraries without code. The last one is what the NDK's compiler links statically.
+# Makes libraries without code. "compiler" replaces the library that the NDK's compiler links statically.
 set(stand_in ${CMAKE_BINARY_DIR}/android-stand-in)
 function(lumigram_stub name)
   list(TRANSFORM ARGN REPLACE "(.+)" ".globl \\1\n.type \\1,%function\n\\1:\n" OUTPUT_VARIABLE lines)
@@ -32,7 +32,7 @@ if(NOT EXISTS ${stand_in}/libdl.so)
     __aeabi_memmove4 __aeabi_memset4 __aeabi_memclr4 __aeabi_memcpy8 __aeabi_memmove8 __aeabi_memset8 __aeabi_memclr8)
   lumigram_stub(libm sin)
   lumigram_stub(libdl dlopen)
-  file(WRITE ${stand_in}/include/gnu/stubs-soft.h "")  # Debian's headers know one kind of floating point
+  file(WRITE ${stand_in}/include/gnu/stubs-soft.h "")  # Debian's headers have only the file for hardware floating point
 endif()
 
 set(flags "-mthumb -fstack-protector-strong -D_FORTIFY_SOURCE=2 -Werror -nostdlibinc -D__errno_location=__errno")
@@ -41,8 +41,8 @@ foreach(folder ${stand_in}/include /usr/include/android/nativehelper /usr/arm-li
 endforeach()
 set(CMAKE_C_FLAGS_INIT "${flags}${c_folders}")
 set(CMAKE_CXX_FLAGS_INIT "${flags} -nostdinc++ -isystem /usr/lib/llvm-14/include/c++/v1${c_folders}")
-# As the NDK links: warnings are errors, and the mathematical library comes along unasked.
-set(CMAKE_SHARED_LINKER_FLAGS_INIT 
+# As with the NDK: linker warnings are errors, and the mathematical library is always given.
+set(CMAKE_SHARED_LINKER_FLAGS_INIT
   "-fuse-ld=lld -nostdlib -L${stand_in} -Qunused-arguments -Wl,--no-undefined -Wl,--fatal-warnings")
 set(CMAKE_C_STANDARD_LIBRARIES "${stand_in}/compiler.o -lm -lc -ldl")
 set(CMAKE_CXX_STANDARD_LIBRARIES "${CMAKE_C_STANDARD_LIBRARIES}")

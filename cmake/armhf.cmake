@@ -1,4 +1,4 @@
-# 32-bit ARM with Debian's cross compiler; qemu-user runs what is built.
+# 32-bit ARM with Debian's cross compiler; qemu-user runs the programs.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)

@@ -1,9 +1,11 @@
-// Size queries and blob copies: a byte for the container, label and name, the picture.
-#include "core/gif/gif_blobs.h"
-#include "core/png/png_blobs.h"
+// Queries of blob sizes, and copies of blobs. Input: a byte for the container, label, name,
+// picture.
+#include "core/file/blobs.h"
+
 #include "fuzz/input.h"
 
 using namespace lumigram::fuzz;
+using lumigram::Kind;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
@@ -13,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto measure =
       isGif ? GetSizeApplicationExtensionFromGif : GetSizeApplicationExtensionFromPng;
   const auto copy = isGif ? GetApplicationExtensionDataFromGif : GetApplicationExtensionDataFromPng;
-  const auto copyBounded = isGif ? lumigram::CopyBlobFromGif : lumigram::CopyBlobFromPng;
+  const auto* const functions = lumigram::BlobFunctionsOf(isGif ? Kind::kGif : Kind::kPng);
 
   const lumigram::ScopedFile stream = lumigram::test::Stream(picture);
   uint32_t all = 7, one = 7;
@@ -32,19 +34,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   RequireStatus(status, {0, -99, -30, -31});
   Require(length <= picture.size(), "a blob is no larger than the picture");
   if (status != 0 || length == 0) return 0;
-  // Room for exactly the blob is enough, one byte less is not.
-  const auto exact = Block(length);
+  // A buffer of exactly the blob's size is enough, one byte less is not.
+  const auto exact = Block(length), less = Block(length - 1);
+  lumigram::OutputBuffer enough(reinterpret_cast<uint8_t*>(exact.get()), length);
+  lumigram::OutputBuffer tooLittle(reinterpret_cast<uint8_t*>(less.get()), length - 1);
   uint32_t again = 0;
   rewind(stream.get());
-  status = copyBounded(stream.get(), reinterpret_cast<uint8_t*>(exact.get()), &again, label.c_str(),
-                       name.c_str(), length);
+  lumigram::ByteSource source(stream.get());
+  status = functions->copy(source, {label.c_str(), name.c_str()}, enough, &again);
   Require(
       status == 0 && again == length && std::equal(exact.get(), exact.get() + length, blob.get()),
-      "room enough");
-  const auto less = Block(length - 1);
-  rewind(stream.get());
-  status = copyBounded(stream.get(), reinterpret_cast<uint8_t*>(less.get()), &again, label.c_str(),
-                       name.c_str(), length - 1);
-  Require(status == -99, "no room");
+      "a buffer of the blob's size is enough");
+  Require(source.Rewind(), "a file in memory can be positioned");
+  status = functions->copy(source, {label.c_str(), name.c_str()}, tooLittle, &again);
+  Require(status == -99, "a smaller buffer is refused");
   return 0;
 }

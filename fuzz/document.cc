@@ -1,4 +1,5 @@
-// What a batch read does with a document: labels, tag groups, category. The input is the document.
+// The functions by which a batch read takes a document apart: labels, tag groups, category. Input:
+// the document.
 #include "fuzz/input.h"
 
 using namespace lumigram::fuzz;
@@ -13,20 +14,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   RequireStatus(status, {0, -40});
   Require(attr->labelCount >= attr->nameCount && attr->nameCount >= attr->noteCount &&
               attr->noteCount >= attr->partCount,
-          "counts tell how far it got");
+          "later counts of labels are not larger than earlier ones");
   Require(attr->partCount <= kLumigramMaxLabels && attr->labelCount <= kLumigramMaxLabels,
           "at most ten labels");
   Require(status != 0 || (attr->partCount == attr->labelCount && attr->labelCount > 0),
-          "success has whole labels");
+          "on success all labels are complete");
 
   const auto tags = std::make_unique<TagCollection>();
   CollectTagGroups(document.get(), tags.get());
   Require(tags->groupCount <= kLumigramMaxTagGroups && tags->elementCount <= kLumigramMaxTags,
-          "groups within limits");
+          "counts of groups and elements are within limits");
   int32_t grouped = 0;
   for (int32_t i = 0; i < tags->groupCount; ++i) {
     Require(tags->groupSize[i] >= 1 && tags->groupSize[i] <= kLumigramMaxGroupSize,
-            "elements of a group within limits");
+            "the elements of a group are within limits");
     grouped += tags->groupSize[i];
   }
   Require(grouped == tags->elementCount, "every kept element is in a group");

@@ -1,4 +1,4 @@
-// Taking single elements out of a document: start tag, end tag, the document.
+// Takes single elements out of a document. Input: start tag, end tag, the document.
 #include "fuzz/input.h"
 
 using namespace lumigram::fuzz;

@@ -1,4 +1,4 @@
-// The document reader of GIF pictures: the input is the picture.
+// The document reader of GIF pictures. Input: the picture.
 #include "fuzz/input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

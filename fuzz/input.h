@@ -1,5 +1,4 @@
-// What the targets share: an input that is taken apart, streams over pictures, and properties that
-// must hold.
+// Shared by the targets: parsing an input, reading a picture in all ways, and requiring properties.
 #ifndef LUMIGRAM_FUZZ_INPUT_H_
 #define LUMIGRAM_FUZZ_INPUT_H_
 
@@ -29,11 +28,11 @@ inline void Require(bool holds, const char* what) {
 
 inline void RequireStatus(int32_t status, std::initializer_list<int32_t> allowed) {
   Require(std::find(allowed.begin(), allowed.end(), status) != allowed.end(),
-          "status among those that are promised");
+          "the status is a documented one");
 }
 
-// Takes pieces from the front; what is left is usually the picture. An exhausted input gives zeros
-// and empty texts.
+// Takes pieces from the front; the rest is usually the picture. An exhausted input gives zeros and
+// empty texts.
 class Input {
  public:
   Input(const uint8_t* data, size_t size) : data_(data), size_(size) {}
@@ -43,7 +42,7 @@ class Input {
     --size_;
     return *data_++;
   }
-  // Two bytes of length, then the text, which ends at a NUL.
+  // Takes two bytes of length and as many bytes of text. The text ends at the first NUL.
   std::string Text(size_t limit) {
     const size_t wanted = std::min<size_t>(Byte() | Byte() << 8, limit);
     const size_t size = std::min(wanted, size_);
@@ -59,10 +58,11 @@ class Input {
   size_t size_;
 };
 
-// A block of exactly that many zero bytes, so that one byte too many is seen.
+// A heap block of exactly this size, all zero, so that AddressSanitizer finds an access past its
+// end.
 inline std::unique_ptr<char[]> Block(size_t size) { return std::make_unique<char[]>(size); }
 
-// What a reader delivers, and where it leaves the stream.
+// The outputs of a reader, and the position of the stream after it.
 struct ReadResult {
   int32_t status = 0, height = 0, width = 0, pop = 0;
   std::string document;
@@ -99,22 +99,22 @@ inline ReadResult ReadPicture(const Bytes& picture, FileType type) {
   return ReadPicture(test::Stream(picture).get(), type);
 }
 
-// As a batch reads it: from the file's descriptor, without a stream.
+// Reads as a batch does: from the file's descriptor, without a stream.
 inline ReadResult ReadByDescriptor(const Bytes& picture, FileType type) {
   ReadResult result;
   const auto document = Block(kLumigramDocumentBufferBytes);
   const ScopedFile stream = test::Stream(picture);
   ByteSource source(fileno(stream.get()), picture.size());
-  result.status =
-      ExtractDocument(source, type, document.get(), &result.height, &result.width, &result.pop);
+  result.status = ExtractDocument(source, *KindOf(type),
+                                  {document.get(), &result.height, &result.width, &result.pop});
   if (result.status == kLumigramNoDocument) result.status = 0;
   result.document.assign(document.get(), strnlen(document.get(), kLumigramDocumentBufferBytes));
   result.position = static_cast<long>(source.Position());
   return result;
 }
 
-// A picture is read the same way in blocks, through stdio and without a stream; neither the picture
-// nor a byte behind a buffer changes.
+// Requires the same results in blocks, through stdio and without a stream, and that the picture
+// does not change.
 inline void CheckReader(const Bytes& picture, FileType type,
                         std::initializer_list<int32_t> statuses) {
   const ReadResult inBlocks = ReadPicture(picture, type);
@@ -122,14 +122,14 @@ inline void CheckReader(const Bytes& picture, FileType type,
   const ScopedFile stream = test::Stream(picture, test::Opened::kForUpdate);
   ReadResult throughStdio = ReadPicture(stream.get(), type);
   ReadResult byDescriptor = ReadByDescriptor(picture, type);
-  // How far a reader came in a picture that it refused depends on how it looked ahead.
+  // After a failure, the position depends on how far the reader read ahead.
   if (inBlocks.status != 0) throughStdio.position = byDescriptor.position = inBlocks.position;
-  Require(inBlocks == throughStdio, "both kinds of stream give the same");
-  Require(inBlocks == byDescriptor, "a stream and a descriptor give the same");
+  Require(inBlocks == throughStdio, "both kinds of stream give the same result");
+  Require(inBlocks == byDescriptor, "a stream and a descriptor give the same result");
   rewind(stream.get());
   Bytes after(picture.size() + 1);
   Require(fread(after.data(), 1, after.size(), stream.get()) == picture.size(),
-          "reading keeps the size");
+          "reading does not change the size");
   after.pop_back();
   Require(after == picture, "reading changes nothing");
 }

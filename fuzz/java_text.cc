@@ -1,5 +1,5 @@
-// Text of any bytes on its way to Java: what a virtual machine is handed must be modified UTF-8,
-// and lose nothing.
+// Converts text of any bytes for Java. The virtual machine must get modified UTF-8, and no ASCII
+// character may be lost. Input: the text.
 #include "jni/java_text.h"
 
 #include <jni.h>
@@ -14,7 +14,7 @@ namespace {
 
 std::string handed;
 
-// How many bytes the sequence takes that modified UTF-8 allows there; 0 for none.
+// The size of the sequence of modified UTF-8 at p; 0 if there is none.
 size_t SequenceAt(const uint8_t* p) {
   const auto follows = [&](int i) { return (p[i] & 0xC0) == 0x80; };
   if (p[0] < 0x80) return 1;
@@ -50,14 +50,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string ascii, asciiHanded;
   while (*p != 0) {
     const size_t step = SequenceAt(p);
-    Require(step != 0, "modified UTF-8");
+    Require(step != 0, "the virtual machine gets modified UTF-8");
     if (step == 1) asciiHanded += static_cast<char>(*p);
     p += step;
   }
   for (char c : text) {
     if (static_cast<uint8_t>(c) < 0x80) ascii += c;
   }
-  Require(ascii == asciiHanded, "nothing readable is lost");
+  Require(ascii == asciiHanded, "no ASCII character is lost");
   Require(handed.size() >= text.size(), "no text becomes shorter");
   return 0;
 }

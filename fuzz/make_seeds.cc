@@ -1,5 +1,5 @@
-// Writes the seeds that the fuzzing starts from: inputs that get far, built of the pieces of the
-// tests. Usage: make_seeds FOLDER; makes FOLDER/TARGET/NAME.
+// Writes the seeds of the fuzz targets: inputs that reach much of the code, built with the builders
+// of the tests. Usage: make_seeds FOLDER; writes FOLDER/TARGET/NAME.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +22,7 @@ void Write(const char* target, const std::string& name, const Bytes& bytes) {
   if (!file.flush()) std::exit((std::perror(name.c_str()), 1));
 }
 
-// A text as the targets take it: its length, then its bytes.
+// A text as Input::Text() takes it: its length and its bytes.
 Bytes Sized(std::string_view text) { return Le16(uint32_t(text.size())) + Text(text); }
 
 const std::string kLabels =
@@ -34,7 +34,7 @@ const std::string kTags =
 const std::string kDocument = "<emoji>" + kLabels + kTags + "</emoji>";
 const std::string kShort = "<emoji></emoji>";
 
-// Every kind of block, with the document in front of the image or behind it.
+// Every kind of block, with the document before or after the first image.
 Bytes Gif(std::string_view document, bool documentFirst) {
   const Bytes comment = GifComment(document);
   const Bytes image = kGifControl + GifImage();
@@ -55,7 +55,7 @@ Bytes Jpeg(std::string_view document) {
          JpegComment(document) + JpegFrame() + kJpegScan + kJpegEnd;
 }
 
-// One label, a tag group and a blob, as the target "writers" takes them.
+// One label, a tag and a blob, as the target "writers" takes them.
 Bytes Record(uint8_t uri) {
   return Bytes{1} + Sized("smile") + Sized("color") + Sized("yellow") + Bytes{1} +
          Sized("00000000") + Sized("beep") + Bytes{uri};

@@ -1,7 +1,7 @@
 // Runs one target over files and folders of files, without a fuzzing engine: to debug a finding,
-// and to run every kept input again. Prints how many inputs ran; a broken property ends the
-// program. Usage: TARGET_replay [--prefixes] FILE...; with --prefixes also over every beginning of
-// each file.
+// and to replay regression inputs. Prints the number of inputs; a broken property ends the
+// program. Usage: TARGET_replay [--prefixes] FILE...; with --prefixes, runs every prefix of the
+// files that follow.
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -15,7 +15,7 @@ namespace {
 
 bool prefixes = false;
 
-// The input ends at the end of its own block, so that a read behind it is seen.
+// The input ends at the end of its own heap block, so that AddressSanitizer finds a read past it.
 void RunOne(const uint8_t* data, size_t size) {
   const std::vector<uint8_t> input(data, data + size);
   LLVMFuzzerTestOneInput(input.data(), input.size());

@@ -1,8 +1,9 @@
-// A record with clean texts, written into a picture of each kind and read back field by field.
+// Writes a record with clean texts into a picture of each kind, and reads it back field by field.
+// Input: the record.
 #include "core/base/text.h"
+#include "core/document/document_builder.h"
 #include "core/document/document_format.h"
 #include "core/write/build_picture.h"
-#include "core/write/document_builder.h"
 #include "fuzz/input.h"
 #include "tests/support/gif_builder.h"
 #include "tests/support/jpeg_builder.h"
@@ -14,7 +15,7 @@ using namespace lumigram::test;
 
 namespace {
 
-// A text that no tag can hide in, of at most 24 characters.
+// A text of at most 24 characters, without the characters that begin a tag or end a name.
 std::string CleanText(Input& input, size_t limit) {
   std::string text = input.Text(limit);
   std::replace(text.begin(), text.end(), '<', '_');
@@ -27,7 +28,7 @@ std::unique_ptr<AttrInfo> TakeRecord(Input& input) {
   auto attr = std::make_unique<AttrInfo>();
   const int labels = 1 + input.Byte() % kLumigramMaxLabels;
   for (int i = 0; i < labels; ++i) {
-    CopyText(attr->name[i], "n" + CleanText(input, 255).substr(0, 20));
+    CopyText(attr->name[i], std::string("n").append(CleanText(input, 255), 0, 20));
     CopyText(attr->note[i], CleanText(input, 256));
     CopyText(attr->part[i], GetPartName(input.Byte()));
   }
@@ -36,35 +37,43 @@ std::unique_ptr<AttrInfo> TakeRecord(Input& input) {
   const int tags = input.Byte() % kLumigramMaxTagGroups;
   for (int i = 0; i < tags; ++i) {
     CopyText(attr->tag[i].tagName,
-             static_cast<char>('a' + i) + CleanText(input, 255).substr(0, 20));
+             std::string(1, static_cast<char>('a' + i)).append(CleanText(input, 255), 0, 20));
     CopyText(attr->tag[i].tagElement, CleanText(input, 1024));
   }
   return attr;
 }
 
-void CheckElement(char* document, const char* start, const char* end, const char* wanted) {
-  const auto content = Block(257);
-  const int32_t status = GetElementContent(document, start, end, content.get());
-  Require(status == (wanted[0] == '\0' ? kLumigramNoTags : 0) &&
-              TextOf(*reinterpret_cast<char(*)[257]>(content.get())) == wanted,
-          "category and type come back");
-}
-
-void CheckDocument(std::string text, const AttrInfo& wanted) {
+// Requires that the picture has the record that was written, and that a batch read delivers all of
+// it.
+void CheckRecord(const Bytes& picture, FileType type, const AttrInfo& wanted) {
   const auto attr = std::make_unique<AttrInfo>();
-  Require(GetLabelInfo(text.data(), attr.get()) == 0, "labels are usable");
-  Require(memcmp(attr->name, wanted.name, sizeof wanted.name) == 0, "names come back");
-  Require(memcmp(attr->note, wanted.note, sizeof wanted.note) == 0, "notes come back");
-  Require(memcmp(attr->part, wanted.part, sizeof wanted.part) == 0, "parts of speech come back");
-  const auto tags = std::make_unique<TagCollection>();
-  CollectTagGroups(text.data(), tags.get());
-  for (int32_t i = 0; i < kLumigramMaxTags; ++i) {
-    Require(TextOf(tags->tagName[i]) == TextOf(wanted.tag[i].tagName), "tag names come back");
-    Require(TextOf(tags->tagElement[i]) == TextOf(wanted.tag[i].tagElement),
+  PictureSummary summary;
+  const ScopedFile stream = Stream(picture);
+  Require(GetPictureRecord(stream.get(), type, attr.get(), &summary) == 0, "the record is read");
+  attr->labelCount = attr->nameCount = attr->noteCount = attr->partCount = 0;
+  // Exception: if the first content is empty, a batch read delivers no contents, and it is counted.
+  if (wanted.tag[0].tagName[0] != '\0' && wanted.tag[0].tagElement[0] == '\0')
+    summary.droppedTags -= 1;
+  summary.invalidTexts = 0;
+  PictureSummary nothingLost = {};
+  nothingLost.fileType = type;
+  nothingLost.width = summary.width;
+  nothingLost.height = summary.height;
+  nothingLost.size = static_cast<int32_t>(picture.size());
+  nothingLost.hasDocument = 1;
+  Require(memcmp(&summary, &nothingLost, sizeof summary) == 0, "nothing is lost");
+  for (int i = 0; i < kLumigramMaxLabels; ++i) {
+    Require(TextOf(attr->name[i]) == TextOf(wanted.name[i]), "names come back");
+    Require(TextOf(attr->note[i]) == TextOf(wanted.note[i]), "notes come back");
+    Require(TextOf(attr->part[i]) == TextOf(wanted.part[i]), "parts of speech come back");
+  }
+  Require(TextOf(attr->category) == TextOf(wanted.category), "the category comes back");
+  Require(TextOf(attr->type) == TextOf(wanted.type), "the type comes back");
+  for (int i = 0; i < kLumigramMaxTags; ++i) {
+    Require(TextOf(attr->tag[i].tagName) == TextOf(wanted.tag[i].tagName), "tag names come back");
+    Require(TextOf(attr->tag[i].tagElement) == TextOf(wanted.tag[i].tagElement),
             "tag contents come back");
   }
-  CheckElement(text.data(), kCategoryStart, kCategoryEnd, wanted.category);
-  CheckElement(text.data(), kTypeStart, kTypeEnd, wanted.type);
 }
 
 }  // namespace
@@ -83,16 +92,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     NewPicture written;
     const ScopedFile stream = Stream(picture);
     ByteSource source(stream.get());
-    const int32_t status = BuildPicture(source, type, *document, *attr, &written);
+    const int32_t status = BuildPicture(source, *KindOf(type), *document, *attr, &written);
     if (type == kFileTypePng && document->length > kLumigramMaxDocumentBytes - 6) {
-      Require(status == kLumigramTooLong, "the longest documents do not go into PNG");
+      Require(status == kLumigramTooLong, "a PNG cannot have the longest documents");
       continue;
     }
     Require(status == 0, "a clean record is written");
-    const ReadResult read =
-        ReadPicture(Bytes(written.bytes.get(), written.bytes.get() + written.length), type);
-    Require(read.status == 0, "and read");
-    CheckDocument(read.document, *attr);
+    CheckRecord(Bytes(written.bytes.get(), written.bytes.get() + written.length), type, *attr);
   }
   return 0;
 }

@@ -1,6 +1,6 @@
-// Pictures of 2 MiB and documents of 10 KiB that are made to take long or much: every function that
-// takes a picture or a document over each of them. Prints the call that took longest and
-// the memory of all, and fails when one took a second, or more memory than a few times the picture.
+// Runs every function that takes a picture or a document over pictures of 2 MiB and documents of
+// 10 KiB that are built to take much time or memory. Prints the longest call and the memory of all
+// calls. Fails when a call takes a second, or when they take more memory than kMaxKilobytes.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,7 +24,7 @@ constexpr long kMaxMilliseconds = 1000, kMaxKilobytes = 8 * kSize / 1024;
 
 bool failed = false;
 
-// What the process has used so far.
+// The time and memory that the process has used so far.
 struct Usage {
   Usage() {
     rusage used;
@@ -36,7 +36,7 @@ struct Usage {
   long milliseconds, kilobytes;
 };
 
-// The call of a process that took longest.
+// The longest call of this process, in milliseconds.
 long worst = 0;
 const char* worstCall = "none";
 
@@ -49,7 +49,7 @@ void Call(const char* name, const std::function<void()>& run) {
   worstCall = name;
 }
 
-// Runs in a process of its own, so that its memory is its own.
+// Runs in a child process, so that the memory of each input is measured separately.
 void Measure(const std::string& name, const std::function<void()>& run) {
   fflush(stdout);
   const pid_t child = fork();
@@ -69,7 +69,7 @@ void Measure(const std::string& name, const std::function<void()>& run) {
   if (!WIFEXITED(status)) printf("FAIL %s: signal %d\n", name.c_str(), WTERMSIG(status));
 }
 
-// As many of the piece as fit between head and tail.
+// Repeats the piece as often as it fits between head and tail.
 Bytes Filled(const Bytes& head, const Bytes& piece, const Bytes& tail) {
   Bytes all = head;
   all.reserve(kSize);
@@ -79,7 +79,7 @@ Bytes Filled(const Bytes& head, const Bytes& piece, const Bytes& tail) {
   return all;
 }
 
-// A hundred blobs that are to be kept, whose names are found nowhere or begin every name.
+// A hundred entries that keep blobs; their names are found nowhere, or begin every name.
 std::unique_ptr<AttrInfo> Record(std::string_view name) {
   auto attr = std::make_unique<AttrInfo>();
   for (AppExtEntry& entry : attr->appExt) {
@@ -176,7 +176,7 @@ void RunJpeg() {
   Run("JPEG scan of FF", 2, Filled(start + kJpegScan, {0xFF}, {0}), "");
 }
 
-// As the readers deliver it, and as a batch read takes it apart.
+// Takes a document apart with the functions of a batch read.
 void RunDocument(const std::string& piece, const std::string& head = "<emoji>") {
   std::string text = head;
   while (text.size() + piece.size() + 8 <= kLumigramMaxDocumentBytes) text += piece;

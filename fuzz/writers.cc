@@ -1,14 +1,11 @@
-// The three writers, through the whole of building a picture and directly: a byte for the
-// container, a record, the picture that is to be rewritten.
+// Builds pictures into an allocated block and into a buffer of a given size. Input: a byte for the
+// container, a record, the source picture.
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include "core/base/text.h"
-#include "core/gif/gif_writer.h"
-#include "core/jpeg/jpeg_writer.h"
-#include "core/png/png_writer.h"
+#include "core/document/document_builder.h"
 #include "core/write/build_picture.h"
-#include "core/write/document_builder.h"
 #include "fuzz/input.h"
 
 using namespace lumigram;
@@ -16,7 +13,7 @@ using namespace lumigram::fuzz;
 
 namespace {
 
-// The path of a file to embed, which stays open.
+// Returns the path of a file to embed. The file stays open.
 std::string BlobPath(size_t size) {
   const int fd = memfd_create("blob", 0);
   const Bytes bytes(size, 0x21);
@@ -44,7 +41,7 @@ std::string Uri(uint8_t kind, const std::string& name) {
 struct Record {
   AttrInfo attr = {};
   bool keepsBlobs = false;
-  bool foreignLabels = false;  // of new blobs: only "EMJ" marks one as ours
+  bool foreignLabels = false;  // a new blob has a label that does not begin "EMJ"
 };
 
 std::unique_ptr<Record> TakeRecord(Input& input) {
@@ -73,7 +70,7 @@ int32_t Build(const Bytes& picture, FileType type, const XmlStringInfo& document
   NewPicture built;
   const ScopedFile stream = test::Stream(picture);
   ByteSource source(stream.get());
-  const int32_t status = BuildPicture(source, type, document, attr, &built);
+  const int32_t status = BuildPicture(source, *KindOf(type), document, attr, &built);
   if (status == 0) out->assign(built.bytes.get(), built.bytes.get() + built.length);
   return status;
 }
@@ -81,23 +78,18 @@ int32_t Build(const Bytes& picture, FileType type, const XmlStringInfo& document
 int32_t Write(const Bytes& picture, FileType type, const XmlStringInfo& document,
               const AttrInfo& attr, uint32_t room, Bytes* out) {
   const auto block = Block(room);
-  uint8_t* const bytes = reinterpret_cast<uint8_t*>(block.get());
-  uint32_t length = 0;
+  OutputBuffer built(reinterpret_cast<uint8_t*>(block.get()), room);
   const ScopedFile stream = test::Stream(picture);
   ByteSource source(stream.get());
-  Require(source.Measure(), "files can be measured");
-  const int32_t status =
-      type == kFileTypeGif    ? SetXmlStringToGif(source, &document, bytes, &length, &attr, room)
-      : type == kFileTypeJpeg ? SetXmlStringToJpg(source, &document, bytes, &length, room)
-                              : SetXmlStringToPng(source, &document, bytes, &length, &attr, room);
-  Require(length <= room, "the picture fits");
-  out->assign(bytes, bytes + length);
+  const int32_t status = BuildPicture(source, *KindOf(type), document, attr, built);
+  Require(built.Size() <= room, "the picture fits");
+  const auto bytes = built.Last(built.Size());
+  out->assign(bytes.begin(), bytes.end());
   return status;
 }
 
-// Whether a GIF picture has what the reader looks into and the writer passes over whole: an
-// extension with a label of neither, or an identifier of another size than all have. There they
-// find different documents.
+// Whether reader and writer walk a GIF picture differently: it has an extension with an unknown
+// label, or an identifier with another size than 11. They may find different documents in it.
 bool IsOdd(const Bytes& gif) {
   const auto skipChain = [&](size_t at) {
     while (at < gif.size() && gif[at] != 0) at += gif[at] + 1u;
@@ -122,13 +114,13 @@ bool IsOdd(const Bytes& gif) {
 void CheckReadBack(const Bytes& source, const Bytes& written, FileType type,
                    const XmlStringInfo& document) {
   const ReadResult before = ReadPicture(source, type), after = ReadPicture(written, type);
-  if (after.status != 0) return;  // pictures that are written and not read are many
+  if (after.status != 0) return;  // Many pictures can be written but not read.
   if (type == kFileTypeGif && IsOdd(source)) return;
   const std::string wanted = document.text;
-  // A picture without a place for it carries none; a document in a later sub-block of a GIF comment
-  // stays.
+  // Exceptions: a picture may have no place for a document, and a document in a later sub-block
+  // of a GIF comment stays.
   const bool stays = type == kFileTypeGif && after.document == before.document;
-  Require(after.document == wanted || after.document.empty() || stays, "what was written is read");
+  Require(after.document == wanted || after.document.empty() || stays, "the document reads back");
 }
 
 }  // namespace
@@ -154,11 +146,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   const uint32_t length = static_cast<uint32_t>(picture.size());
   Require(Write(source, type, *document, attr, length, &direct) == 0 && direct == picture,
-          "room enough");
-  Require(Write(source, type, *document, attr, length - 1, &direct) == -99, "no room");
+          "a buffer of the picture's size is enough");
+  Require(Write(source, type, *document, attr, length - 1, &direct) == -99,
+          "a smaller buffer is refused");
   CheckReadBack(source, picture, type, *document);
   if (record->keepsBlobs || record->foreignLabels) return 0;
-  // The document in front of a first marker that does not begin with FF takes that byte over.
+  // Exception: if the first marker of a JPEG has another prefix than FF, the document takes it
+  // over.
   if (type == kFileTypeJpeg && source[2] != 0xFF) return 0;
 
   Bytes again, bare, bareSource;
@@ -168,6 +162,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto nothing = std::make_unique<AttrInfo>();
   Require(Build(source, type, none, *nothing, &bareSource) == 0 &&
               Build(picture, type, none, *nothing, &bare) == 0 && bare == bareSource,
-          "nothing but metadata changes");
+          "only metadata change");
   return 0;
 }

@@ -1,8 +1,8 @@
-// Hands the bytes of one blob of a picture to Java.
+// Delivers the bytes of one blob of a picture to Java.
 #include <string.h>
 
-#include "core/gif/gif_blobs.h"
-#include "core/png/png_blobs.h"
+#include "core/file/blobs.h"
+#include "core/file/picture_file.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -14,30 +14,29 @@ struct Blob {
   uint32_t length = 0;
 };
 
-// A blob has fewer bytes than its picture had when its size was taken. The picture may have grown
-// since.
-bool CopyBlob(const OpenPicture& picture, const char* label, const char* fileName, Blob* blob) {
-  void* bytes = nullptr;
-  const uint32_t capacity = GetMemory(picture.stream.get(), &bytes);
-  blob->bytes.reset(static_cast<uint8_t*>(bytes));
-  if (capacity == 0) return false;
-  const auto copy = picture.type == kFileTypeGif ? CopyBlobFromGif : CopyBlobFromPng;
-  return copy(picture.stream.get(), blob->bytes.get(), &blob->length, label, fileName, capacity) ==
-         kOk;
+// A blob has fewer bytes than its picture, so the size of the picture is enough. The status of a
+// failure is not reported to Java.
+bool CopyBlob(const PictureFile& picture, const WantedBlob& wanted, Blob* blob) {
+  const BlobFunctions* const functions = BlobFunctionsOf(picture.GetKind());
+  int32_t size = 0;
+  if (functions == nullptr || picture.GetSize(&size) != kOk) return false;
+  blob->bytes.reset(static_cast<uint8_t*>(malloc(static_cast<size_t>(size) + 1)));
+  if (blob->bytes == nullptr) return false;
+  ByteSource source = picture.Source();
+  OutputBuffer data(blob->bytes.get(), static_cast<uint32_t>(size));
+  return functions->copy(source, wanted, data, &blob->length) == kOk;
 }
 
-// Java does not learn why there is no blob.
 bool ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {
-  OpenPicture picture;
+  PictureFile picture;
   {
     const JavaText text(env, path);
     if (text.Get() == nullptr || picture.Open(text.Get()) != kOk) return false;
   }
-  if (picture.type == kFileTypeJpeg) return false;  // which has no blobs
   const JavaText label(env, labelName);
   const JavaText name(env, fileName);
   if (label.Get() == nullptr || name.Get() == nullptr) return false;
-  return CopyBlob(picture, label.Get(), name.Get(), blob);
+  return CopyBlob(picture, {label.Get(), name.Get()}, blob);
 }
 
 jbyteArray NewArrayOf(JNIEnv* env, const Blob& blob) {

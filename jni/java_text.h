@@ -9,27 +9,27 @@
 
 namespace lumigram {
 
-// The longest field whose text goes to Java.
+// The size of the longest field that is converted to a Java string.
 inline constexpr size_t kMaxJavaTextField = sizeof(TagCollection::joinedNames);
 
-// A new local reference to a string of the text, whatever bytes a picture holds; null, maybe with
-// an exception pending, when it cannot be made. The text has at most kMaxJavaTextField bytes with
-// its terminator.
+// Returns a new local reference to a Java string of the text, whatever its bytes; null, possibly
+// with an exception pending, when it cannot be created. The text has at most kMaxJavaTextField
+// bytes with its terminator.
 //
-// A virtual machine takes modified UTF-8 only, and may cut the string or end the process over
-// anything else. Two-byte and three-byte sequences go as they are, surrogates among them. A
-// character outside the basic plane becomes its surrogate pair. Every byte that belongs to no such
-// sequence becomes U+FFFD.
+// A virtual machine accepts modified UTF-8 only; other bytes may cut the string or end the process.
+// One-byte, two-byte and three-byte sequences, surrogates included, are passed unchanged. A
+// four-byte sequence becomes a surrogate pair. Every byte that belongs to no sequence becomes
+// U+FFFD.
 jstring NewStringOfBoundedText(JNIEnv* env, const char* text);
 
-// The same for a field of a record: its size is the bound.
+// The same for a field of a record, whose size bounds the text.
 template <size_t N>
 jstring NewJavaString(JNIEnv* env, const char (&field)[N]) {
   static_assert(N <= kMaxJavaTextField);
   return NewStringOfBoundedText(env, field);
 }
 
-// Stores a new string into an element that the array has; false when the machine refuses.
+// Stores a new string into an element of the array. False when it cannot be created or stored.
 template <size_t N>
 bool StoreJavaString(JNIEnv* env, jobjectArray array, jsize i, const char (&field)[N]) {
   const LocalRef<jstring> string(env, NewJavaString(env, field));

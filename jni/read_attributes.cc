@@ -4,9 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
-#include "core/document/document_format.h"
+#include "core/document/delivered.h"
 #include "core/file/picture_file.h"
+#include "jni/attribute_fields.h"
+#include "jni/empty_slots.h"
 #include "jni/java_text.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
@@ -14,7 +17,7 @@
 namespace lumigram {
 namespace {
 
-constexpr int kMeasurements = 5;  // of a file that is still empty, a second apart
+constexpr int kMeasurements = 5;  // of an empty file, one second apart
 
 enum Field {
   kFileSize,
@@ -39,89 +42,29 @@ constexpr JavaField kFields[kFieldCount] = {
     {"mOrnamailPop", "J"},
     {"mTags", "Ljava/lang/String;"},
     {"mTagsName", "[Ljava/lang/String;"},
-    {"mTagsElement", "[Ljava/lang/String;"},
-    {"mCategory", "Ljava/lang/String;"},
-    {"mType", "Ljava/lang/String;"},
-    {"mName", "[Ljava/lang/String;"},
-    {"mNote", "[Ljava/lang/String;"},
-    {"mPart", "[B"},
+    kTagsElementField,
+    kCategoryField,
+    kTypeField,
+    kNameField,
+    kNoteField,
+    kPartField,
 };
 
-// Stores the empty string into the unused slots of an array. One bulk copy out of an array of empty
-// strings takes the time of a few stores; where the virtual machine refuses it, each slot is
-// stored.
-class EmptySlots {
- public:
-  explicit EmptySlots(JNIEnv* env)
-      : env_(env), empty_(env, nullptr), system_(env, nullptr), source_(env, nullptr) {}
-
-  // The array has at least `end` elements.
-  bool Fill(jobjectArray array, jsize begin, jsize end) {
-    if (begin == end) return true;
-    if (!Prepare()) return false;
-    return Copy(array, begin, end) || StoreEach(array, begin, end);
-  }
-
- private:
-  // Once for all pictures of a call. Only the string itself is needed.
-  bool Prepare() {
-    if (empty_.Get() != nullptr) return true;
-    empty_.Reset(LocalRef<jstring>(env_, env_->NewStringUTF("")).Release());
-    if (empty_.Get() == nullptr) return false;
-    const LocalRef<jclass> stringClass(env_, env_->FindClass("java/lang/String"));
-    system_.Reset(LocalRef<jclass>(env_, env_->FindClass("java/lang/System")).Release());
-    if (stringClass.Get() == nullptr || system_.Get() == nullptr) return true;
-    arraycopy_ = env_->GetStaticMethodID(system_.Get(), "arraycopy",
-                                         "(Ljava/lang/Object;ILjava/lang/Object;II)V");
-    if (ClearException(env_) || arraycopy_ == nullptr) return true;
-    LocalRef<jobjectArray> source(
-        env_, env_->NewObjectArray(kLumigramMaxTags, stringClass.Get(), empty_.Get()));
-    source_.Reset(source.Release());
-    return true;
-  }
-
-  bool Copy(jobjectArray array, jsize begin, jsize end) {
-    if (source_.Get() == nullptr) return false;
-    jvalue arguments[5];
-    arguments[0].l = source_.Get();
-    arguments[1].i = 0;
-    arguments[2].l = array;
-    arguments[3].i = begin;
-    arguments[4].i = end - begin;
-    env_->CallStaticVoidMethodA(system_.Get(), arraycopy_, arguments);
-    return !ClearException(env_);
-  }
-
-  bool StoreEach(jobjectArray array, jsize begin, jsize end) {
-    for (jsize i = begin; i < end; ++i) {
-      env_->SetObjectArrayElement(array, i, empty_.Get());
-      if (ClearException(env_)) return false;
-    }
-    return true;
-  }
-
-  JNIEnv* const env_;
-  LocalRef<jstring> empty_;
-  LocalRef<jclass> system_;
-  LocalRef<jobjectArray> source_;
-  jmethodID arraycopy_ = nullptr;
-};
-
-// The attribute object that is being filled. A field is looked up when a value for it is at hand:
-// an object need not have fields for which its picture has none, and those stored before one is
-// found missing keep their values.
+// The attribute object that is being filled. A field is looked up only when there is a value for
+// it, so that a field without a value may be missing. When a field is missing, values that were
+// stored before stay.
 class AttributeObject {
  public:
-  explicit AttributeObject(JNIEnv* env) : env_(env), class_(env, nullptr), empty_(env) {}
+  explicit AttributeObject(JNIEnv* env) : env_(env), empty_(env) {}
 
-  // Turns to another object. Field IDs are good for one class, whose own reference is held while
-  // they are kept: the number of a released one may come to stand for another class.
+  // Selects another object. Field IDs are valid for one class. We keep a reference to the class as
+  // long as the IDs: after a release, the same reference value may refer to another class.
   Status Select(jobject object) {
     LocalRef<jclass> itsClass(env_, env_->GetObjectClass(object));
     if (itsClass.Get() == nullptr) return kBadField;
     object_ = object;
     if (class_.Get() != nullptr && env_->IsSameObject(class_.Get(), itsClass.Get())) return kOk;
-    class_.Reset(itsClass.Release());
+    class_ = std::move(itsClass);
     std::fill(std::begin(ids_), std::end(ids_), nullptr);
     return kOk;
   }
@@ -143,8 +86,8 @@ class AttributeObject {
     return kOk;
   }
 
-  // Stores the first `count` texts into the array that the object holds, and the empty text behind
-  // them until `slots` elements are stored. An array that is too short is left as it is.
+  // Stores the first `count` texts into the array that the object holds, and the empty text after
+  // them until `slots` elements are stored. An array that is too short is not changed.
   template <size_t N>
   Status SetTexts(Field field, const char (*texts)[N], int32_t count, int32_t slots) {
     const jfieldID id = Find(field);
@@ -183,14 +126,13 @@ class AttributeObject {
   EmptySlots empty_;
 };
 
-// What a call works in: far more than the stack of a Java thread may hold.
+// The working storage of a call, which is too large for the stack of a Java thread.
 struct WorkingStorage {
   char document[kLumigramDocumentBufferBytes];
-  AttrInfo attr;
-  TagCollection tags;
+  DeliveredDocument delivered;
 };
 
-// Reads the pictures of one call, one after another in the same storage.
+// Reads the pictures of one call, one after another, in the same storage.
 class BatchReader {
  public:
   BatchReader(JNIEnv* env, WorkingStorage* storage) : env_(env), storage_(*storage), object_(env) {}
@@ -201,7 +143,7 @@ class BatchReader {
     if (Status s = object_.Select(attr.Get()); s != kOk) return s;
     const LocalRef<jstring> path(env_, env_->GetObjectArrayElement(paths, i));
     if (Status s = ReadContainer(path.Get()); s != kOk) return s == kNoDocument ? kOk : s;
-    ClearTags();
+    TakeDocumentApart(storage_.document, &storage_.delivered);
     return TransferDocument();
   }
 
@@ -214,8 +156,8 @@ class BatchReader {
     if (Status s = object_.SetNumber(kFileSize, size); s != kOk) return s;
     memset(storage_.document, 0, sizeof storage_.document);
     int32_t height = 0, width = 0, pop = 0;
-    const Status status = picture.ReadDocument(storage_.document, &height, &width, &pop);
-    // Also those of a picture that was refused: a reader tells what it found before.
+    const Status status = picture.ReadDocument({storage_.document, &height, &width, &pop});
+    // A reader may store dimensions even if it refuses the picture.
     if (Status s = object_.SetNumber(kHeight, height); s != kOk) return s;
     if (Status s = object_.SetNumber(kWidth, width); s != kOk) return s;
     if (Status s = object_.SetNumber(kPop, pop); s != kOk) return s;
@@ -227,7 +169,7 @@ class BatchReader {
     return text.Get() == nullptr ? kBadArgument : picture->Open(text.Get());
   }
 
-  // Who has just created a file gets a moment to fill it.
+  // Gives the program that is still writing the file time to finish.
   static bool Measure(const PictureFile& picture, int32_t* size) {
     for (int i = 0; i < kMeasurements; ++i) {
       if (picture.GetSize(size) == kOk && *size > 0) return true;
@@ -236,21 +178,17 @@ class BatchReader {
     return false;
   }
 
-  // Counts, groups and joined names, to which elements are added, and the first element, which
-  // shows whether there are any. Clearing all elements takes several times as long as reading a
-  // small picture. The labels are cleared when they are read.
-  void ClearTags() {
-    memset(&storage_.tags, 0, offsetof(TagCollection, tagName));
-    storage_.tags.tagName[0][0] = storage_.tags.tagElement[0][0] = '\0';
-  }
-
   Status TransferDocument() {
-    const AttrInfo& attr = storage_.attr;
-    const bool labelled = GetLabelInfo(storage_.document, &storage_.attr) == kOk;
-    if (Status s = TransferTags(); s != kOk) return s;
-    if (Status s = TransferElement(kCategoryStart, kCategoryEnd, kCategory); s != kOk) return s;
-    if (Status s = TransferElement(kTypeStart, kTypeEnd, kType); s != kOk) return s;
-    if (!labelled) return kOk;
+    const DeliveredDocument& delivered = storage_.delivered;
+    const AttrInfo& attr = delivered.attr;
+    if (Status s = TransferTags(delivered.tags); s != kOk) return s;
+    if (delivered.hasCategory) {
+      if (Status s = object_.SetText(kCategory, attr.category); s != kOk) return s;
+    }
+    if (delivered.hasType) {
+      if (Status s = object_.SetText(kType, attr.type); s != kOk) return s;
+    }
+    if (!delivered.hasLabels) return kOk;
     if (Status s = object_.SetTexts(kName, attr.name, attr.nameCount, attr.nameCount); s != kOk) {
       return s;
     }
@@ -260,9 +198,7 @@ class BatchReader {
     return object_.SetParts(kPart, attr);
   }
 
-  Status TransferTags() {
-    TagCollection& tags = storage_.tags;
-    CollectTagGroups(storage_.document, &tags);
+  Status TransferTags(const TagCollection& tags) {
     if (tags.joinedNames[0] != '\0') {
       if (Status s = object_.SetText(kTags, tags.joinedNames); s != kOk) return s;
     }
@@ -270,18 +206,11 @@ class BatchReader {
     return TransferAllSlots(kTagsElement, tags.tagElement);
   }
 
-  // Java sees whether there are tags by the first of them.
+  // Java checks element 0 to see whether there are tags.
   template <size_t N>
   Status TransferAllSlots(Field field, const char (&texts)[kLumigramMaxTags][N]) {
     if (texts[0][0] == '\0') return kOk;
-    return object_.SetTexts(field, texts, storage_.tags.elementCount, kLumigramMaxTags);
-  }
-
-  // An element that is missing or unusable leaves its field alone.
-  Status TransferElement(const char* startTag, const char* endTag, Field field) {
-    char content[kLumigramMaxTextBytes + 1] = {};
-    if (GetElementContent(storage_.document, startTag, endTag, content) != kOk) return kOk;
-    return object_.SetText(field, content);
+    return object_.SetTexts(field, texts, storage_.delivered.tags.elementCount, kLumigramMaxTags);
   }
 
   JNIEnv* const env_;

@@ -1,4 +1,5 @@
-// What Java lends, each given back at the end of its scope, and no exception left behind.
+// Owners of JNI resources, which are released at the end of their scope. No exception stays
+// pending.
 #ifndef LUMIGRAM_JNI_SCOPED_JNI_H_
 #define LUMIGRAM_JNI_SCOPED_JNI_H_
 
@@ -9,37 +10,40 @@
 
 namespace lumigram {
 
-// Clears the exception that a call left, if any, and tells whether there was one. Hardly a JNI call
-// may be made while one is pending, and failures reach Java as statuses only.
+// Clears a pending exception. Returns whether there was one. Few JNI calls are allowed while an
+// exception is pending, and we report failures to Java as statuses only.
 inline bool ClearException(JNIEnv* env) {
   if (!env->ExceptionCheck()) return false;
   env->ExceptionClear();
   return true;
 }
 
-// A local reference that this call obtained. An exception that came with null is cleared; the null
-// then says nothing about what was asked for.
+// A local reference that this call obtained. If an exception came with null, it is cleared, and
+// Failed() distinguishes this null from one that is the value.
 //
 //   const LocalRef<jstring> path(env, env->GetObjectArrayElement(paths, i));
 //   if (path.Get() == nullptr) return kBadArgument;
 template <typename T>
 class LocalRef {
  public:
+  LocalRef() = default;
   LocalRef(JNIEnv* env, jobject ref)
       : env_(env), ref_(static_cast<T>(ref)), failed_(ref == nullptr && ClearException(env)) {}
-  ~LocalRef() { Reset(nullptr); }
-  LocalRef(const LocalRef&) = delete;
-  LocalRef& operator=(const LocalRef&) = delete;
+  ~LocalRef() { Delete(); }
+  LocalRef(LocalRef&& other) noexcept
+      : env_(other.env_), ref_(other.Release()), failed_(other.failed_) {}
+  LocalRef& operator=(LocalRef&& other) noexcept {
+    Delete();
+    env_ = other.env_;
+    ref_ = other.Release();
+    failed_ = other.failed_;
+    return *this;
+  }
 
   T Get() const { return ref_; }
   // Whether null came with an exception.
   bool Failed() const { return failed_; }
 
-  // Takes another reference in place of the one that is held.
-  void Reset(T ref) {
-    if (ref_ != nullptr) env_->DeleteLocalRef(ref_);
-    ref_ = ref;
-  }
   // Gives the reference to the caller.
   T Release() {
     T ref = ref_;
@@ -48,13 +52,17 @@ class LocalRef {
   }
 
  private:
-  JNIEnv* const env_;
-  T ref_;
-  const bool failed_;
+  void Delete() {
+    if (ref_ != nullptr) env_->DeleteLocalRef(ref_);
+  }
+
+  JNIEnv* env_ = nullptr;
+  T ref_ = nullptr;
+  bool failed_ = false;
 };
 
 // The characters of a string, in Java's modified UTF-8; null when the string is null or they cannot
-// be had. Declared behind the string's reference, so that they are released before it.
+// be read. Declare it after the string's reference, so that the characters are released first.
 //
 //   const JavaText text(env, path.Get());
 //   if (text.Get() == nullptr) return kBadField;
@@ -80,8 +88,8 @@ class JavaText {
   const char* const chars_;
 };
 
-// The elements of a byte array; null when the array is null or they cannot be had. What happens to
-// changes is said beforehand.
+// The elements of a byte array; null when the array is null or they cannot be read. AtEnd says
+// whether changes are copied back.
 //
 //   JavaBytes codes(env, results, JavaBytes::kCopyBack);
 //   if (codes.Get() == nullptr) return kBadField;
@@ -111,13 +119,13 @@ class JavaBytes {
   jbyte* const bytes_;
 };
 
-// A field as a class declares it.
+// The name and the JNI signature of a field.
 struct JavaField {
   const char* name;
   const char* signature;
 };
 
-// Null when the class has no such field. The error that such a look-up raises is cleared.
+// Looks up a field. Null when the class has no such field; the exception is cleared.
 //
 //   const jfieldID id = FindField(env, type, {"mType", "Ljava/lang/String;"});
 //   if (id == nullptr) return kBadField;
@@ -127,26 +135,13 @@ inline jfieldID FindField(JNIEnv* env, jclass type, const JavaField& field) {
   return id;
 }
 
-// How many elements an array has; none when it is null, which the function itself does not survive;
-// -1 when that cannot be had.
+// The length of an array; 0 for null, which GetArrayLength() does not accept; -1 when it cannot be
+// read.
 inline jsize LengthOf(JNIEnv* env, jarray array) {
   if (array == nullptr) return 0;
   const jsize length = env->GetArrayLength(array);
   return ClearException(env) ? -1 : length;
 }
-
-// A picture that is open for reading.
-struct OpenPicture {
-  ScopedFile stream;
-  FileType type = kFileTypeUnknown;
-
-  Status Open(const char* path) {
-    FILE* opened = nullptr;
-    const Status status = static_cast<Status>(OpenFile(path, 0, &opened, &type));
-    stream.reset(opened);
-    return status;
-  }
-};
 
 }  // namespace lumigram
 

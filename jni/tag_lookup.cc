@@ -2,6 +2,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "core/file/tag_info.h"
 #include "jni/java_text.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
@@ -19,10 +20,9 @@ Status LookUp(JNIEnv* env, jstring path, jstring tagName, Contents* contents) {
   const JavaText nameText(env, tagName);
   if (nameText.Get() == nullptr) return kNullArgument;
   if (strlen(nameText.Get()) > kLumigramMaxTextBytes) return kNullArgument;
-  OpenPicture picture;
+  PictureFile picture;
   if (Status s = picture.Open(pathText.Get()); s != kOk) return s;
-  return static_cast<Status>(
-      GetTagInfo(picture.stream.get(), picture.type, nameText.Get(), contents->text));
+  return LookUpTags(picture, nameText.Get(), contents->text);
 }
 
 Status StoreAll(JNIEnv* env, const Contents& contents, jobjectArray results) {

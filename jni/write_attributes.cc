@@ -2,9 +2,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "core/document/blob_entries.h"
 #include "core/document/document_format.h"
 #include "core/file/picture_file.h"
 #include "core/write/write_picture.h"
+#include "jni/attribute_fields.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -25,13 +27,13 @@ enum Field {
 };
 
 constexpr JavaField kFields[kFieldCount] = {
-    {"mName", "[Ljava/lang/String;"},
-    {"mNote", "[Ljava/lang/String;"},
-    {"mPart", "[B"},
-    {"mCategory", "Ljava/lang/String;"},
-    {"mType", "Ljava/lang/String;"},
+    kNameField,
+    kNoteField,
+    kPartField,
+    kCategoryField,
+    kTypeField,
     {"mTags", "[Ljava/lang/String;"},
-    {"mTagsElement", "[Ljava/lang/String;"},
+    kTagsElementField,
     {"mApplicationExtensionLabelName", "[Ljava/lang/String;"},
     {"mApplicationExtensionBinaryDataUri", "[Ljava/lang/String;"},
 };
@@ -40,45 +42,40 @@ constexpr JavaField kFields[kFieldCount] = {
 class AttributeValues {
  public:
   explicit AttributeValues(JNIEnv* env) : env_(env) {}
-  ~AttributeValues() {
-    for (jobject value : values_) {
-      if (value != nullptr) env_->DeleteLocalRef(value);
-    }
-  }
-  AttributeValues(const AttributeValues&) = delete;
-  AttributeValues& operator=(const AttributeValues&) = delete;
 
-  // Of the arrays only that of the tag names may be null: there are no tags then.
+  // Only the array of the tag names may be null: there are no tags then.
   Status Take(jobject attr) {
     const LocalRef<jclass> type(env_, env_->GetObjectClass(attr));
     if (type.Get() == nullptr) return kBadField;
     for (int f = 0; f < kFieldCount; ++f) {
       const jfieldID id = FindField(env_, type.Get(), kFields[f]);
       if (id == nullptr) return kBadField;
-      LocalRef<jobject> value(env_, env_->GetObjectField(attr, id));
-      if (value.Failed()) return kBadField;
-      values_[f] = value.Release();
+      values_[f] = {env_, env_->GetObjectField(attr, id)};
+      if (values_[f].Failed()) return kBadField;
       const bool isArray = kFields[f].signature[0] == '[';
-      if (values_[f] == nullptr && isArray && f != kTags) return kBadField;
-      if (isArray) lengths_[f] = LengthOf(env_, static_cast<jarray>(values_[f]));
+      if (values_[f].Get() == nullptr && isArray && f != kTags) return kBadField;
+      if (isArray) lengths_[f] = LengthOf(env_, static_cast<jarray>(values_[f].Get()));
       if (lengths_[f] < 0) return kBadField;
     }
     return kOk;
   }
 
-  // Of an array that is not there, none.
+  // 0 for a null array.
   jsize Length(Field field) const { return lengths_[field]; }
-  jstring String(Field field) const { return static_cast<jstring>(values_[field]); }
-  jobjectArray Strings(Field field) const { return static_cast<jobjectArray>(values_[field]); }
-  jbyteArray Bytes(Field field) const { return static_cast<jbyteArray>(values_[field]); }
+  jstring String(Field field) const { return static_cast<jstring>(values_[field].Get()); }
+  jobjectArray Strings(Field field) const {
+    return static_cast<jobjectArray>(values_[field].Get());
+  }
+  jbyteArray Bytes(Field field) const { return static_cast<jbyteArray>(values_[field].Get()); }
 
  private:
   JNIEnv* const env_;
-  jobject values_[kFieldCount] = {};
+  LocalRef<jobject> values_[kFieldCount];
   jsize lengths_[kFieldCount] = {};
 };
 
-// Clearing the record whole would take as long as writing a small picture into memory.
+// Clears only the first byte of each text: clearing the whole record would take as long as building
+// a small picture in memory.
 void EmptyTexts(AttrInfo* attr) {
   for (auto& text : attr->name) text[0] = '\0';
   for (auto& text : attr->note) text[0] = '\0';
@@ -89,7 +86,7 @@ void EmptyTexts(AttrInfo* attr) {
     entry.labelName[0] = entry.binaryDataUri[0] = entry.fileName[0] = '\0';
 }
 
-// One blob's name must not be another's: the container is searched by it.
+// Two blobs must not have the same name: a blob is found by its name.
 bool IsNameTaken(const AttrInfo& attr, int entry) {
   const char* const name = attr.appExt[entry].fileName;
   if (name[0] == '\0') return false;
@@ -99,7 +96,7 @@ bool IsNameTaken(const AttrInfo& attr, int entry) {
   return false;
 }
 
-// Copies one object into a record of empty texts.
+// Copies the fields of one object into a record of empty texts.
 class RecordFiller {
  public:
   RecordFiller(JNIEnv* env, AttrInfo* attr) : env_(env), attr_(*attr), values_(env) {}
@@ -113,13 +110,13 @@ class RecordFiller {
   }
 
  private:
-  // Entry i of an array of strings; past its end there are null entries.
+  // Entry i of an array of strings; null past the end of the array.
   LocalRef<jstring> Entry(Field field, int i) {
     const bool isThere = i < values_.Length(field);
     return {env_, isThere ? env_->GetObjectArrayElement(values_.Strings(field), i) : nullptr};
   }
 
-  // Most texts of an object are empty, as their fields are.
+  // Most texts are empty, and the record's fields are empty already: nothing is copied for them.
   template <size_t N>
   bool Copy(jstring string, char (&field)[N]) {
     if (string != nullptr && env_->GetStringUTFLength(string) == 0) {
@@ -162,7 +159,7 @@ class RecordFiller {
     return kOk;
   }
 
-  // What belongs to a tag name: its content and, with both label and URI, a blob.
+  // Fills the rest of a tag: its content and, if it has a label and a URI, a blob.
   Status FillEntry(int i) {
     const LocalRef<jstring> content = Entry(kTagsElement, i);
     const LocalRef<jstring> label = Entry(kBlobLabel, i);
@@ -174,19 +171,19 @@ class RecordFiller {
     return FillBlob(uri.Get(), i);
   }
 
-  // A content that refers to a blob of this picture keeps it there.
+  // A content that refers to a blob of this picture keeps that blob.
   Status FillContent(jstring content, int i) {
     const JavaText text(env_, content);
     if (text.Get() == nullptr) return kBadField;
     CopyText(attr_.tag[i].tagElement, text.Get());
-    return BeginsWith(std::string_view(text.Get()), kThisPicture) ? SetUri(text.Get(), i) : kOk;
+    return RefersToThisPicture(text.Get()) ? TakeUri(text.Get(), i) : kOk;
   }
 
-  // The tag then refers to the blob, whatever its own content is.
+  // The content of the tag is replaced by a reference to the blob.
   Status FillBlob(jstring uri, int i) {
     const JavaText text(env_, uri);
     if (text.Get() == nullptr) return kBadField;
-    if (Status s = SetUri(text.Get(), i); s != kOk) return s;
+    if (Status s = TakeUri(text.Get(), i); s != kOk) return s;
     char(&element)[kLumigramMaxContentBytes + 1] = attr_.tag[i].tagElement;
     CopyText(element, kThisPicture);
     static_assert(kThisPicture.size() + sizeof(AppExtEntry::fileName) <= sizeof element);
@@ -194,11 +191,9 @@ class RecordFiller {
     return IsNameTaken(attr_, i) ? kDuplicateBlob : kOk;
   }
 
-  Status SetUri(const char* uri, int i) {
-    const char* const slash = strrchr(uri, '/');
-    if (slash == nullptr) return kBadField;
-    CopyText(attr_.appExt[i].binaryDataUri, uri);
-    CopyText(attr_.appExt[i].fileName, slash + 1);
+  Status TakeUri(const char* uri, int i) {
+    if (std::string_view(uri).find('/') == std::string_view::npos) return kBadField;
+    SetUri(uri, &attr_.appExt[i]);
     return kOk;
   }
 
@@ -211,14 +206,16 @@ Status Fill(JNIEnv* env, jobject object, AttrInfo* attr) {
   return RecordFiller(env, attr).Fill(object);
 }
 
-// Java learns that the picture was not written, not why.
+// Java gets kTooLong (-41) for every failure of WritePicture().
 Status Write(JNIEnv* env, jstring path, const AttrInfo& attr) {
   const JavaText text(env, path);
   if (text.Get() == nullptr) return kBadField;
   PictureFile picture;
   if (Status s = picture.Open(text.Get()); s != kOk) return s;
   ByteSource source = picture.Source();
-  return WritePicture(source, text.Get(), attr, picture.Type()) == kOk ? kOk : kTooLong;
+  return WritePicture(source, text.Get(), attr, static_cast<FileType>(picture.GetKind())) == kOk
+             ? kOk
+             : kTooLong;
 }
 
 }  // namespace

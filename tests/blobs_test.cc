@@ -1,4 +1,4 @@
-// The blobs of GIF and PNG pictures: what they take of the file, and their bytes.
+// The blobs of GIF and PNG pictures: their sizes in the file, and their bytes.
 #include <gtest/gtest.h>
 
 #include "lumigram.h"
@@ -8,7 +8,7 @@
 namespace lumigram::test {
 namespace {
 
-// "status size, status bytes" of the size query and the copy, from the stream's fourth byte on.
+// Wants "status size, status bytes" of the size query and the copy. The picture begins at byte 3.
 void Check(const char* what, const Bytes& picture, const char* label, const char* name,
            const std::string& want) {
   SCOPED_TRACE(what);
@@ -21,11 +21,11 @@ void Check(const char* what, const Bytes& picture, const char* label, const char
     fseek(stream.get(), 3, SEEK_SET);
     uint32_t size = 77, length = label == nullptr ? 0 : 77;
     const int32_t sized = measure(stream.get(), &size, name);
-    EXPECT_TRUE(sized != 0 || ftell(stream.get()) == 3) << "the writer reads on from there";
+    EXPECT_TRUE(sized != 0 || ftell(stream.get()) == 3) << "the position is back";
     fseek(stream.get(), 3, SEEK_SET);
     Bytes data(picture.size() + 1);
     const int32_t copied = copy(stream.get(), data.data(), &length, label, name);
-    EXPECT_EQ(Bytes(data.begin() + length, data.end()), Bytes(data.size() - length)) << "no more";
+    EXPECT_EQ(Bytes(data.begin() + length, data.end()), Bytes(data.size() - length)) << "the rest";
     EXPECT_EQ(std::to_string(sized) + " " + std::to_string(size) + ", " + std::to_string(copied) +
                   " " + std::string(&data[0], &data[length]),
               want);
@@ -53,16 +53,16 @@ TEST(GifBlobs, AreFound) {
   Check("none", kPicture, "EMJ3", "abc.bin.", "0 0, 0 ");
   Check("first extension", kStart + twoSubBlocks + kBlobs, "", "", "0 62, 0 xyz");
   Check("empty blob", kStart + GifBlob("EMJ", "n", {}) + kEnd, "EMJ", "n", "0 17, 0 ");
-  // The head counts as 14 bytes, also when the identifier is short.
+  // The head counts as 14 bytes, even if the identifier is short.
   Check("short identifier", kStart + GifApplication("EMJ", GifChain({1, 2, 3})) + kEnd, nullptr,
         nullptr, "0 19, -99 ");
-  // A label longer than the identifier is compared with what follows.
+  // A label longer than the identifier is also compared with the bytes after the identifier.
   Check("long label", kPicture, "EMJLABEL001\5a.bin(ss", "a.bin", "0 62, 0 " + kShort);
   Check("other long label", kPicture, "EMJLABEL001\5a.bin)ss", "a.bin", "0 62, 0 ");
   Check("empty name, no data", kTwoNames, "EMJ", "", "0 15, 0 ");
   Check("after an empty name", kTwoNames, "EMJ", "a", "0 62, 0 " + kShort);
   Check("odd end", kStart + kNoIdentifier + Bytes{7}, "", "", "0 0, 0 ");
-  // A truncated picture never counts for more than it has.
+  // The size of a truncated picture's blobs counts only bytes that it has.
   Check("all cut", kStart + FirstOf(kLongBlob, 600), nullptr, nullptr, "-30 535, -99 ");
   Check("cut in the data", kStart + FirstOf(kLongBlob, 600), "EMJ", "",
         "-30 535, -30 " + kLong.substr(0, 510));

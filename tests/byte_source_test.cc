@@ -1,4 +1,4 @@
-// The cursor over a picture's stream: block edges, clamping, and the stream's position afterwards.
+// The cursor over a picture's bytes: block edges, clamping, and the stream's position afterwards.
 #include "core/base/byte_source.h"
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ TEST(ByteSource, WalksTheSameWayBothWaysWhereverBlocksEnd) {
         ASSERT_TRUE(source.Back(8999));
         EXPECT_FALSE(source.Read(large));
       }
-      EXPECT_EQ(ftell(stream.get()), 31001) << "the stream stands where the walk stopped";
+      EXPECT_EQ(ftell(stream.get()), 31001) << "the stream is where the walk stopped";
     }
   }
 }
@@ -78,10 +78,10 @@ TEST(ByteSource, AFileThatChangesAfterItIsMeasured) {
       folder.Write("a", Counting(60000));
       const FailCalls interrupted("pread64", 0, EINTR);
       ASSERT_TRUE(source.Skip(size - 13) && source.ReadByte(&byte) && source.Skip(1000));
-      EXPECT_FALSE(source.ReadByte(&byte)) << "growth is not seen";
+      EXPECT_FALSE(source.ReadByte(&byte)) << "new bytes are not read";
       folder.Write("a", {});
       Bytes more(6000);
-      EXPECT_TRUE(source.Rewind() && !source.Read(more)) << "a missing rest is";
+      EXPECT_TRUE(source.Rewind() && !source.Read(more)) << "the rest is missing";
       EXPECT_EQ(source.ReadByte(&byte), size == 100);
       EXPECT_TRUE(source.Skip(1000));
     }

@@ -1,4 +1,4 @@
-// Pictures cut to each length, and streams that refuse each of their seeks and reads in turn.
+// Pictures cut to each length, and streams whose seeks and reads fail in turn.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -17,7 +17,7 @@ namespace {
 using Operation = std::function<int32_t(FILE*)>;
 using std::placeholders::_1;
 
-// The statuses of all lengths, each with the first length that gives it: "0: -30 14: 0 ".
+// The statuses of all lengths; each is given with the length at which it begins: "0: -30 14: 0 ".
 std::string StatusesOfCuts(const Bytes& picture, const Operation& operate) {
   std::string statuses;
   for (size_t n = 0; n <= picture.size(); ++n) {
@@ -27,7 +27,7 @@ std::string StatusesOfCuts(const Bytes& picture, const Operation& operate) {
   return statuses;
 }
 
-// The statuses when the first of the calls is refused, the second, and so on, up to none.
+// The statuses when the first of the calls fails, the second, and so on, until none fails.
 std::string StatusesOfRefused(const char* calls, const Bytes& picture, const Operation& operate) {
   std::string statuses;
   bool refused = true;
@@ -54,13 +54,14 @@ uint32_t high, wide, size;
 uint8_t bytes[999];
 const AttrInfo kNone = {};
 
-// Removes documents and blobs. 7: the stream cannot be measured.
+// Removes documents and blobs. Returns 7 when the stream cannot be measured.
 template <typename Writer, typename... Record>
-Operation Writes(uint32_t room, Writer write, Record... record) {
+Operation Writes(uint32_t room, Writer write, const Record&... record) {
   return [=](FILE* stream) {
     const XmlStringInfo none{};
+    OutputBuffer out(bytes, room);
     ByteSource source(stream);
-    return source.Measure() ? write(source, &none, bytes, &size, record..., room) : 7;
+    return source.Measure() ? write(source, none, record..., out) : 7;
   };
 }
 
@@ -68,12 +69,12 @@ TEST(Damage, OfGif) {
   const Bytes gif = GifScreen() + GifApplication("EM", GifChain({1})) + GifComment("other") +
                     GifComment("<emoji>") + GifBlob("EMJ1", "b", {1, 2}) + GifImage() + kGifEnd;
   const auto measure = GetSizeApplicationExtensionFromGif;
-  // The last byte, when it follows a block, is taken for the trailer. Image data may end early.
+  // If the last byte follows a block, it is taken for the trailer. Image data may end early.
   const std::string start = "0: -30 28: 0 29: -30 37: 0 38: -30 48: 0 49: -30 ";
   const std::string image = "68: 0 69: -30 92: 0 95: -30 96: 0 97: -30 98: 0 ";
   Check("read", gif, std::bind(GetXmlStringFromGif, _1, text, &height, &width, &pop), " -99 0",
         "0: -30 37: 0 38: -30 48: 0 49: -30 " + image);
-  Check("written", gif, Writes(999, SetXmlStringToGif, &kNone), " 7 -1 -99 0",
+  Check("written", gif, Writes(999, SetXmlStringToGif, kNone), " 7 -1 -99 0",
         "0: -30 22: -99 24: -30 50: -99 61: -30 98: 0 ");
   Check("all measured", gif, std::bind(measure, _1, &size, nullptr), " -99 0", start + image);
   Check("one measured", gif, std::bind(measure, _1, &size, "b"), " -99 0", start + "67: 0 ");
@@ -89,7 +90,7 @@ TEST(Damage, OfPng) {
   const auto measure = GetSizeApplicationExtensionFromPng;
   Check("read", png, std::bind(GetXmlStringFromPng, _1, text, &high, &wide), " -99 -30 0",
         "0: -30 47: -99 51: -30 69: -99 77: -30 173: 0 ");
-  Check("written", png, Writes(999, SetXmlStringToPng, &kNone), " 7 -99 0",
+  Check("written", png, Writes(999, SetXmlStringToPng, kNone), " 7 -99 0",
         "0: -30 37: -99 55: -30 59: -99 81: -30 85: -99 113: -30 117: -99 147: -30 151: -99 165: "
         "-30 169: -99 177: 0 ");
   Check("all measured", png, std::bind(measure, _1, &size, nullptr), " -99 0", "0: -30 173: 0 ");

@@ -1,17 +1,18 @@
-// Documents taken apart, into elements, labels and tag groups, and documents built from records.
+// Taking documents apart into elements, labels and tag groups, and building them from records.
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <fstream>
 
 #include "core/base/text.h"
-#include "core/write/document_builder.h"
+#include "core/document/document_builder.h"
+#include "core/document/part_of_speech.h"
 #include "tests/support/bytes.h"
 
 namespace lumigram::test {
 namespace {
 
-// A document in a heap block of its own size, so that a sanitizer sees one byte too many.
+// A document in a heap block of its size, so that AddressSanitizer finds an access past its end.
 std::vector<char> Block(const std::string& text) {
   return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
 }
@@ -23,12 +24,12 @@ TEST(Elements, CountsCharacters) {
   EXPECT_EQ(GetStrLenUtf8(" ~\xC0\xF7"), 4u);
 }
 
-// "status content|document", of an element that is asked for and then taken.
+// Checks for an element, and takes it: "status content|document".
 std::string Take(const std::string& text, const char* start, const char* end) {
   auto document = Block(text);
   char out[1025] = {};
   const int32_t asked = GetElementContent(document.data(), start, end, nullptr);
-  EXPECT_EQ(document.data(), text) << "a question changes nothing";
+  EXPECT_EQ(document.data(), text) << "a check changes nothing";
   const int32_t status = GetElementContent(document.data(), start, end, out);
   EXPECT_EQ(asked, status == -1 ? 0 : status);
   return std::to_string(status) + " " + out + "|" + document.data();
@@ -39,18 +40,18 @@ TEST(Elements, GetElementContent) {
   const std::string longer = Tag("n", x1024 + "x"), open = "<tags name=\"" + x256 + "x</tags>";
   EXPECT_EQ(Take("<a>1</a><a>2</a>", "<a>", "</a>"), "0 1|<a>2</a>");
   EXPECT_EQ(Take("x<a></a>y", "<a>", "</a>"), "0 |xy");
-  EXPECT_EQ(Take("</a><a>1</a>", "<a>", "</a>"), "0 1|</a>") << "only behind the start tag";
+  EXPECT_EQ(Take("</a><a>1</a>", "<a>", "</a>"), "0 1|</a>") << "only after the start tag";
   EXPECT_EQ(Take("</a>", "<a>", "</a>"), "-2 |</a>");
   EXPECT_EQ(Take("</a><a>", "<a>", "</a>"), "-3 |</a><a>");
   EXPECT_EQ(Take("<a>" + x256 + "</a>", "<a>", "</a>"), "0 " + x256 + "|");
   EXPECT_EQ(Take(over, "<a>", "</a>"), "-1 |" + over);
   EXPECT_EQ(Take(Tag("n", x1024), "<tags name=\"n\">", "</tags>"), "0 " + x1024 + "|");
   EXPECT_EQ(Take(longer, "<tags name=\"n\">", "</tags>"), "-1 |" + longer);
-  EXPECT_EQ(Take(open, "<tags name=\"", "</tags>"), "-1 |" + open) << "12 bytes: not of a group";
+  EXPECT_EQ(Take(open, "<tags name=\"", "</tags>"), "-1 |" + open) << "a start tag without a name";
   EXPECT_EQ(Take("<aba>", "<aba>", "ba"), "-1 |<aba>") << "the end tag is in the start tag";
 }
 
-// "status name=content|document", likewise.
+// The same for a tag element: "status name=content|document".
 std::string TakeTag(const std::string& text) {
   auto document = Block(text);
   char name[257] = {}, content[1025] = {};
@@ -78,8 +79,8 @@ TEST(Elements, GetElementTagContent) {
   }
 }
 
-// "status labels names notes parts|name,note,part|...|document", of the labels that were accepted,
-// in a record that was used for another picture.
+// "status labels names notes parts|name,note,part|...|document" of the accepted labels. The record
+// has been used for another picture before.
 std::string ReadLabels(const std::string& text) {
   auto document = Block(text);
   auto attr = std::make_unique<AttrInfo>();
@@ -97,11 +98,11 @@ std::string ReadLabels(const std::string& text) {
 TEST(Labels, StatusesCountsAndTexts) {
   const std::string a = Label("a"), wide24 = Repeat("語", 24), p256(256, 'p'),
                     note = "<note>" + wide24;
-  // Root element, status and counts with labels, whatever follows.
+  // The content of the root; the status, the counts and the labels.
   const std::pair<std::string, std::string> cases[] = {
       {"", "-40 0 0 0 0"},
       {Repeat(a, 10) + "<label>",
-       "0 10 10 10 10" + Repeat("|a,,", 10)},  // no eleventh is looked at
+       "0 10 10 10 10" + Repeat("|a,,", 10)},  // an eleventh label is not read
       {"<label><part>p</part> <name>a</name></label><name>x</name>" + Label("b", "<note></note>"),
        "0 2 2 2 2|a,,p|b,,"},
       {a + "<label><note>n</note></label>", "-40 2 1 1 1|a,,"},
@@ -114,7 +115,7 @@ TEST(Labels, StatusesCountsAndTexts) {
       {Label("a", note + "x</note>"), "-40 1 1 0 0"},
       {Label("a", "<note>n"), "-40 1 1 0 0"},
       {Label("a", "<part>" + p256 + "p</part>"), "-40 1 1 1 0"},
-      // A label of 10,240 bytes and one more; no document of a picture is as long.
+      // Labels of 10,240 and 10,241 bytes. A picture has no document of this size.
       {Label("a", std::string(10211, ' ')), "0 1 1 1 1|a,,"},
       {Label("a", std::string(10212, ' ')), "-40 1 0 0 0"},
   };
@@ -126,21 +127,27 @@ TEST(Labels, StatusesCountsAndTexts) {
     EXPECT_EQ(ReadLabels(noRoot), "-40 0 0 0 0|" + noRoot);
 }
 
-// Pictures store these names. Java and the manual page have the same list: see install_test.sh.
+// Pictures store these names. install_test.sh compares the list with Java and the manual page.
 TEST(PartOfSpeech, NamesAndNumbers) {
   std::ifstream list(LUMIGRAM_SOURCE "/tests/parts_of_speech.txt");
   int32_t number = 0;
-  for (std::string stored, constant; list >> number >> stored >> constant;) {
+  for (std::string stored, english; list >> number >> stored >> english;) {
     EXPECT_EQ(GetPartName(static_cast<uint32_t>(number)), stored);
+    EXPECT_EQ(EnglishPartName(number), english);
     EXPECT_EQ(GetPartNo(stored.c_str()), number) << stored;
+    EXPECT_EQ(GetPartNo(english.c_str()), 0) << english;
+    for (const std::string& name : {stored, english}) EXPECT_EQ(FindPart(name), number) << name;
   }
   EXPECT_EQ(number, 21);
-  for (uint32_t i : {0u, 22u, 255u, UINT32_MAX}) EXPECT_STREQ(GetPartName(i), "");
+  for (uint32_t i : {0u, 22u, 255u, UINT32_MAX}) {
+    EXPECT_STREQ(GetPartName(i), "");
+    EXPECT_STREQ(EnglishPartName(static_cast<int32_t>(i)), "");
+  }
   for (const char* name : std::initializer_list<const char*>{"", "名詞 ", "名", nullptr})
     EXPECT_EQ(GetPartNo(name), 0) << name;
 }
 
-// The joined names, the elements, the sizes of the groups, and what is left of the document.
+// The joined names, the elements, the sizes of the groups, and the rest of the document.
 std::string Collect(const std::string& text) {
   auto document = Block(text);
   auto tags = std::make_unique<TagCollection>();
@@ -160,7 +167,7 @@ TEST(TagGroups, GroupsInDocumentOrder) {
   const std::string abc = Tag("abc", "1"), empty = Tag("", "4"), open = "<tags name=\"c\">";
   EXPECT_EQ(Collect(std::string("x") + Tag("a", "1") + Tag("b", "2") + "y" + Tag("a", "3") + open),
             "a,b|a=1 b=2 a=3 |2 1 |xy" + open);
-  // A name that an earlier group's begins with joins that group under its own name.
+  // An element joins an earlier group whose name begins with its own, and keeps its own name.
   EXPECT_EQ(Collect(abc + Tag("ab", "2") + Tag("abcd", "3") + empty),
             "abc,abcd|abc=1 ab=2 abcd=3 =4 |3 1 |");
   EXPECT_EQ(Collect(empty + abc + empty), "abc|=4 abc=1 =4 |2 1 |");
@@ -177,12 +184,12 @@ TEST(TagGroups, Limits) {
             "a,b,c,d,e,f,g,h,i,j|a=1 b=1 c=1 d=1 e=1 f=1 g=1 h=1 i=1 j=1 a=2 |"
             "2 1 1 1 1 1 1 1 1 1 |");
   EXPECT_TRUE(Collect(Repeat(Tag("a", ""), 101)).ends_with(" |" + Tag("a", ""))) << "one stays";
-  // Ten names of 256 bytes, of which only one is a character, fill the joined names.
+  // Ten names of 256 bytes, each of one counted character, fill the joined names.
   for (char c = '0'; c <= '9'; ++c) longest += Tag(c + std::string(255, '\x80'), "");
   EXPECT_EQ(Collect(longest).find('|'), 2569u);
 }
 
-// What is inside the document's root, or the status.
+// The content of the document's root, or the status.
 std::string Built(const AttrInfo& attr) {
   XmlStringInfo document;
   memset(&document, '#', sizeof(document));
@@ -201,7 +208,7 @@ TEST(BuildDocument, ElementsInTheirOrder) {
   attr.tag[8] = {"", "no name"};
   CopyText(attr.type, "y");
   CopyText(attr.category, "x");
-  memset(attr.name[8], '\x80', 257);  // no terminator, in bytes that count as no character
+  memset(attr.name[8], '\x80', 257);  // no terminator, and no byte that counts as a character
   CopyText(attr.part[9], "p");
   CopyText(attr.name[9], "n");
   CopyText(attr.name[3], "m");
@@ -222,7 +229,7 @@ TEST(BuildDocument, LimitsAndOrderOfFaults) {
   EXPECT_EQ(Built(attr), "-42");
   CopyText(attr.note[0], at);
   EXPECT_EQ(Built(attr), "<label><name>" + at + "</name><note>" + at + "</note></label>");
-  // With nine groups of 1,022 bytes, the root, and what the tenth takes besides its content.
+  // Nine tags of 1,022 bytes, 15 bytes of the root, and 22 of the tenth tag besides its content.
   attr = {};
   for (int i = 0; i < 9; ++i) {
     CopyText(attr.tag[i].tagName, "n");

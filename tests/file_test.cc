@@ -1,4 +1,4 @@
-// File types, opening and sizes; the reader that a type picks; one tag group out of a picture.
+// File types, opening, sizes, the choice of the reader, and the lookup of one tag group.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace lumigram::test {
 namespace {
 
 TEST(FileType, ByTheLastDotOfThePath) {
-  // 0 for none.
+  // 0: an unknown extension.
   const std::pair<const char*, FileType> cases[] = {{"PHOTO.GIF", 1}, {"a/b.c/a.JpEg", 2},
                                                     {"b.jpg", 2},     {"c.png", 3},
                                                     {".gif", 1},      {"", 0},
@@ -49,13 +49,13 @@ TEST(OpenFile, StatusesAndWhatIsStored) {
   EXPECT_EQ(type, 3);
 }
 
-// U+1F600 as Java delivers it, and as the file system has it.
+// U+1F600 in Java's spelling and in UTF-8.
 constexpr char kJavaFace[] = "\xED\xA0\xBD\xED\xB8\x80.gif";
 constexpr char kFace[] = "\xF0\x9F\x98\x80.gif";
 
 TEST(OpenFile, FindsBothSpellingsOfAnEmoji) {
   TempFolder folder;
-  // The status, and the first byte of what was opened.
+  // The status, and the first byte of the opened file.
   const auto open = [&](uint32_t mode) {
     FILE* stream = nullptr;
     FileType type = 0;
@@ -65,17 +65,17 @@ TEST(OpenFile, FindsBothSpellingsOfAnEmoji) {
   };
   EXPECT_EQ(open(0).first, -20);
   EXPECT_EQ(open(1).first, 0);
-  EXPECT_TRUE(std::filesystem::exists(folder.Path(kFace))) << "a new file gets the real spelling";
+  EXPECT_TRUE(std::filesystem::exists(folder.Path(kFace))) << "a new file gets the UTF-8 spelling";
   folder.Write(kFace, Text("real"));
   EXPECT_EQ(open(0), std::pair(0, int{'r'}));
   folder.Write(kJavaFace, Text("delivered"));
-  EXPECT_EQ(open(0), std::pair(0, int{'d'})) << "the spelling as delivered comes first";
+  EXPECT_EQ(open(0), std::pair(0, int{'d'})) << "the delivered spelling is tried first";
   EXPECT_EQ(open(1).first, 0);
-  EXPECT_EQ(ReadWhole(folder.Path(kFace)), Text("real")) << "the other was there to be written";
+  EXPECT_EQ(ReadWhole(folder.Path(kFace)), Text("real")) << "the delivered spelling existed";
   EXPECT_EQ(ReadWhole(folder.Path(kJavaFace)), Bytes()) << "opening for writing truncates";
 }
 
-// An empty file is read as a stream.
+// The file is empty, so it is opened as a stream.
 TEST(PictureFile, LeavesNoDescriptorBehind) {
   const TempFolder folder;
   const std::string path = folder.Write("a.png", {});
@@ -83,7 +83,7 @@ TEST(PictureFile, LeavesNoDescriptorBehind) {
     const FailCalls fail(call, 0, error);
     return int{PictureFile().Open(path.c_str())};
   };
-  EXPECT_EQ(InChild([&] { return open("fstat64", kExec); }), 8) << "to another program";
+  EXPECT_EQ(InChild([&] { return open("fstat64", kExec); }), 8) << "no descriptor is inherited";
   const auto count = [] {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
   };
@@ -141,9 +141,9 @@ TEST(Extraction, PicksTheReaderAndTellsAPictureWithoutDocument) {
   const std::string longest = Document(10240), shortest = Document();
   const Bytes gif = GifScreen() + GifComment(longest) + kGifEnd, jpeg = JpegFrame() + kJpegEnd;
   Bytes largest = gif;
-  largest.resize(2097152);  // behind the trailer
+  largest.resize(2097152);  // zeros after the trailer
   const Bytes png = PngStart() + PngDocument(shortest) + kPngEnd, bare = PngStart() + kPngEnd;
-  // Status, dimensions and pop flag, which is 77 before; then the document.
+  // Status, dimensions and pop flag, which is 77 before; the document.
   const std::tuple<const char*, Bytes, FileType, std::array<int32_t, 4>, std::string> cases[] = {
       {"GIF", gif, 1, {0, 100, 80, 0}, longest},
       {"bare GIF", GifScreen() + kGifEnd, 1, {-5, 100, 80, 0}, ""},
@@ -174,7 +174,7 @@ TEST(TagInfo, ElementsOfOneGroup) {
   std::string twelve;
   for (char c = 'a'; c < 'm'; ++c) twelve += Tag("n", std::string(1, c)) + Tag("N", "other");
   const std::string x1024(1024, 'x'), n255(255, 'n');
-  // What is in the root, the name; the status, the contents.
+  // The content of the root, the tag name; the status, the contents.
   const std::tuple<std::string, std::string, int32_t, std::vector<std::string>> cases[] = {
       {twelve, "n", 0, {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}},
       {twelve, "x", 0, {}},

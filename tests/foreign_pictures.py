@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Pictures that other programs made: their sizes are ImageMagick's, and a write changes nothing but metadata.
+"""Reads pictures of other programs, compares their sizes with ImageMagick's, and checks that a write changes only metadata.
 
-Usage: foreign_pictures.py TOOL FOLDER... (samples are welcome, too)
+Usage: foreign_pictures.py TOOL FOLDER...
 """
 import collections
 import json
@@ -13,13 +13,13 @@ import subprocess
 import sys
 import tempfile
 
-LEAST = {".gif": 100, ".png": 100, ".jpg": 25}  # sound pictures of each kind
+LEAST = {".gif": 100, ".png": 100, ".jpg": 25}  # the number of valid pictures of each kind that must be found
 OK, MALFORMED, DIMENSIONS, BAD_ARGUMENT = 0, -30, -31, -99
 LABEL, TAG, DATA = 48, 38, bytes(range(256)) * 2
-# How many bytes a document with a label and, in GIF and PNG, a tag and its blob take; how a picture ends.
+# The bytes that a write adds (a document with a label and, in GIF and PNG, a tag and its blob), and the end of a picture.
 ADDED = {".gif": (LABEL + TAG + 4 + len(DATA) + 23, b";"), ".png": (LABEL + TAG + 18 + len(DATA) + 35, b"IEND\xaeB`\x82"),
          ".jpg": (LABEL + 4, b"\xff\xd9")}
-# Readers that know nothing of us, and what makes them find fault.
+# Other readers, with the options by which they report faulty pictures.
 READERS = {".gif": ["gifsicle", "--no-warnings", "--info"], ".png": ["pngcheck", "-q"], ".jpg": ["djpeg", "-outfile", "/dev/null"]}
 
 def kind_of(path):
@@ -31,13 +31,13 @@ def run(*words):
 
 
 def read(path):
-    """The status and, of a picture that is read, what the tool tells of it."""
+    """The status and, if the picture can be read, its JSON object."""
     done = run("show", "--json", path)
     return (int(re.search(r"\((-\d+)\)", done.stderr)[1]), None) if done.returncode else (OK, json.loads(done.stdout)[0])
 
 
 def identify(path):
-    """The width and height as ImageMagick reads them; None where it finds fault with the picture."""
+    """The width and height as ImageMagick reads them; None if it reports a fault."""
     done = subprocess.run(["identify-im6.q16", "-ping", "-format", "%w %h %W %H\n", path], capture_output=True, text=True)
     if done.returncode or done.stderr:
         return None
@@ -48,12 +48,12 @@ def identify(path):
 
 
 def refused(path):
-    """Whether another reader finds fault with the picture."""
+    """Whether another reader refuses the picture."""
     return subprocess.run(READERS[kind_of(path)] + [path], capture_output=True).returncode != 0
 
 
 def agrees(path, status, shown, size):
-    """The differences that are meant: the library's limits, and GIF files without a trailer."""
+    """Whether the result is ImageMagick's. Intended differences: the library's limits, and GIF files without a trailer."""
     if path.stat().st_size > 2097152:
         return status == BAD_ARGUMENT
     if max(size) > 960:
@@ -64,7 +64,7 @@ def agrees(path, status, shown, size):
 
 
 def differs_elsewhere(old, new, kind):
-    """Whether a picture without metadata changed in more than what was put in between, or what lay behind its end."""
+    """Whether a write changed more than it should: it may only insert bytes, and drop bytes after the picture's end."""
     length, end = ADDED[kind]
     start = len(os.path.commonprefix([old, new]))
     rest = new[:start] + new[start + length:]
@@ -72,7 +72,7 @@ def differs_elsewhere(old, new, kind):
 
 
 def fault(path, shown, copy, blob):
-    """What a write does to a copy of the picture that it should not; None when all is well."""
+    """Writes to a copy of the picture. Returns a description of the fault; None when there is none."""
     shutil.copy(path, copy)
     embedded = [] if copy.suffix == ".jpg" else ["--embed", f"EMJfriendly:t={blob}"]
     if (done := run("set", "--replace", "--force", "--label", "smile", *embedded, copy)).returncode:
@@ -107,7 +107,7 @@ def main():
                 wrong.append(f"{path}: status {status}, {shown}; ImageMagick: {size or 'faulty'}")
     for kind, least in LEAST.items():
         print("PASS" if compared[kind] >= least else "FAIL", f"{compared[kind]} {kind} pictures have ImageMagick's size")
-    print("FAIL" if wrong else "PASS", "no picture differs, before a write and after it")
+    print("FAIL" if wrong else "PASS", "no picture differs before or after a write")
     print("".join(f"  {line}\n" for line in wrong), end="")
     return 1 if wrong or any(compared[kind] < least for kind, least in LEAST.items()) else 0
 

@@ -1,4 +1,4 @@
-// Documents, dimensions and pop flags of GIF pictures; new documents and blobs in them.
+// Documents, dimensions and pop flags of GIF pictures, read and written, and new blobs.
 #include "core/gif/gif_writer.h"
 #include "tests/support/gif_builder.h"
 #include "tests/support/picture_checks.h"
@@ -46,7 +46,7 @@ TEST(GifReader, Documents) {
   check("after the trailer", kGifEnd + kDocument + kGifEnd, 0, "");
   check("odd bytes", Bytes{7, 0} + unknown + kDocument + Bytes{8} + kEnd, 0, kText);
   check("odd trailer", unknown + kGifEnd + kDocument + kEnd, 0, "");
-  // Image data that claim all that is left of the file (57 bytes) end there.
+  // A sub-block that claims all remaining bytes of the file (57) ends the image data.
   check("image over the end", image + Bytes{57} + kDocument + Bytes(13, 7), 0, kText);
   check("image up to the end", image + Bytes{57} + kDocument + Bytes(14, 7), -30, "");
 }
@@ -91,7 +91,7 @@ TEST(GifReader, PopFlag) {
     if (IsAcceptPopCommentData(byte) == 0) accepted += char(byte);
   EXPECT_EQ(accepted, "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
   EXPECT_EQ(IsAcceptPopCommentData(' '), -1);
-  // Where the marker could be, its eleven bytes are looked at, whatever the block's size.
+  // The eleven bytes of a possible marker are read, whatever the size of the identifier.
   const Bytes tiny = GifApplication("", Bytes(10, 0));
   CheckRead("marker over the end", kScreen + tiny, "-30 100x80 1");
   CheckRead("marker up to the end", kScreen + tiny + Bytes{0}, "0 100x80 0");
@@ -100,7 +100,7 @@ TEST(GifReader, PopFlag) {
 
 void CheckWrite(const char* what, const Bytes& picture, std::string_view document,
                 const AttrInfo& attr, int32_t status, const Bytes& want = {}) {
-  CheckWriter(what, SetXmlStringToGif, picture, document, status, want, &attr);
+  CheckWriter(what, SetXmlStringToGif, picture, document, status, want, attr);
 }
 
 const Bytes kOld = GifComment("<emoji>x", 7), kImage = GifImage();
@@ -151,12 +151,12 @@ TEST(GifWriter, AddsBlobs) {
   CheckWrite("in place of the old", kWide + kOld + kSmall + end, kText, attr, 0, want);
   CheckWrite("before the image", kWide + end, kText, attr, 0, want);
   CheckWrite("no document", kWide + end, "", attr, 0, kWide + end);
-  // What a write has added, the next one takes away, but for what does not look like ours.
+  // A write removes the metadata of the write before it, except blobs with another label.
   CheckWrite("blobs removed", want, "<emoji>", kNone, 0,
              kWide + GifComment("<emoji>") + other + end);
   CheckWrite("no name", kWide + end, kText, With({{"EMJ", "", some}}), -99);
   CheckWrite("no file", kWide + end, kText, With({{"EMJ", "n", folder.Path("missing")}}), -99);
-  // Its size is that of a page, whatever it has.
+  // This file claims the size of a page, but is shorter.
   CheckWrite("shorter than its size", kWide + end, kText,
              With({{"EMJ", "n", "/sys/devices/system/cpu/online"}}), -99);
 }

@@ -1,22 +1,23 @@
 #!/usr/bin/env bash
-# What is installed and packed, and the C example built against it in both ways. Usage: tests/install_test.sh BUILD_FOLDER
+# Checks the installed files, the package, and the C example built with them. Usage: tests/install_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$(realpath "$1") work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 . "$root/tests/support/same.sh"
 
-# The tree has to work where it was moved to.
+# The installed tree must work after it was moved.
 DESTDIR=$work/stage cmake --install "$build" --prefix /opt/lumigram
 mv "$work/stage/opt/lumigram" "${tree:=$work/a tree}"
 lib=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:[A-Z]*=//p' "$build/CMakeCache.txt")
-files=$(printf '%s\n' include/lumigram.h share/java/lumigram.jar "$lib"/{libLumigramJniNative.so,pkgconfig/lumigram.pc} \
-  "$lib"/cmake/lumigram/lumigram-config{,-version,-release}.cmake $([ ! -x "$build/lumigram" ] ||
-    echo bin/lumigram share/bash-completion/completions/lumigram share/man/man1/lumigram.1) | sort)
-same "what is installed" "$files" "$(cd "$tree" && find . -type f | cut -c 3- | sort)"
+wanted=(include/lumigram.h share/java/lumigram.jar "$lib"/{libLumigramJniNative.so,pkgconfig/lumigram.pc}
+  "$lib"/cmake/lumigram/lumigram-config{,-version,-release}.cmake)
+[ ! -x "$build/lumigram" ] || wanted+=(bin/lumigram share/{bash-completion/completions/lumigram,man/man1/lumigram.1})
+files=$(printf '%s\n' "${wanted[@]}" | sort)
+same "installed files" "$files" "$(cd "$tree" && find . -type f | cut -c 3- | sort)"
 
 export PKG_CONFIG_PATH=$tree/$lib/pkgconfig LD_LIBRARY_PATH=$tree/$lib
-eval "flags=($(pkg-config --cflags --libs lumigram))"  # its spaces are quoted for a shell
+flags=() && eval "flags=($(pkg-config --cflags --libs lumigram))"  # its spaces are quoted for a shell
 cc -Wall -Wextra -Wpedantic -Werror -std=c11 "$root/examples/c/tag_picture.c" -o "$work/by-pkg-config" "${flags[@]}"
 cmake -S "$root/examples/c" -B "$work/c" -DCMAKE_PREFIX_PATH="$tree" && cmake --build "$work/c" &&
   mv "$work/c/tag_picture" "$work/by-find-package"
@@ -25,29 +26,35 @@ for program in "$work"/by-{find-package,pkg-config}; do
   "$program" "$work/heart.png" seal 'a "<" note' >"$work/before"
   same "reads and writes: ${program##*/}" $'ハート (愛情)\nlove ❤ ()\nseal (a "<" note)\n55 bytes more' \
     "$("$program" "$work/heart.png"; echo $(($(stat -c %s "$work/heart.png") - $(stat -c %s "$root/samples/heart.png"))) bytes more)"
-  same "says why not: ${program##*/}" "$work/cut.png: damaged or truncated picture (-30) 1" \
+  same "reports a failure: ${program##*/}" "$work/cut.png: damaged or truncated picture (-30) 1" \
     "$("$program" "$work/cut.png" 2>&1) $?"
 done
 
-# Where Java has words for a status, they are those of C: one list has both.
+# The words for a status in Java must be those of C. One list has them for both.
 words=$(cat "$root/tests/status_words.txt")
 java=$(tr '\n' ' ' <"$root/java/src/main/java/lumigram/jni/LumigramStatus.java" |
   grep -oE 'case [-0-9]+: +return "[^"]*"' | sed -E 's/case (.*): +return "(.*)"/\1 \2/')
 same "the words of LumigramStatus" "0 ok" "$(grep -vxFe "$words" <<<"$java"; grep '^0 ' <<<"$java")"
 
+# The typed API has the limits of texts and counts under the names that they have in the header.
+limits=$(grep -oE 'kLumigramMax[A-Za-z]+ = [0-9]+' "$root/include/lumigram.h" | grep -vE 'Pixels|PictureBytes|DocumentBytes' |
+  sed -E 's/kLumigram//; s/([a-z])([A-Z])/\1_\2/g; s/.*/\U&/' | sort)
+same "the limits of WriteCheck" "$limits" \
+  "$(grep -oE 'MAX_[A-Z_]+ = [0-9]+' "$root/java/src/main/java/lumigram/WriteCheck.java" | grep -v BLOB | sort)"
+
 # Pictures store the names of the parts of speech: one list has them for C, Java and the manual page.
 parts=$(cat "$root/tests/parts_of_speech.txt")
 same "the parts of speech of Java" "$parts" "$(sed -nE 's/^  ([A-Z_]+)\("(.+)"\)[,;]$/\2 \1/p' \
-  "$root/java/src/main/java/lumigram/PartOfSpeech.java" | awk '{ print NR, $0 }')"
-same "the parts of speech of the manual page" "$(cut -d ' ' -f 1,2 <<<"$parts")" \
-  "$(sed '/^\.SH PARTS/,/^\.fi/!d' "$root/docs/lumigram.1" | grep -oE '[0-9]+ [^ 0-9]+' | sort -n)"
+  "$root/java/src/main/java/lumigram/PartOfSpeech.java" | tr 'A-Z_' 'a-z-' | awk '{ print NR, $0 }')"
+same "the parts of speech of the manual page" "$parts" \
+  "$(sed -e '/^\.SH PARTS/,/^\.fi/!d' -e 's/\\-/-/g' "$root/docs/lumigram.1" | awk '/^ *[0-9]/ { print $1, $3, $2 }')"
 
-# What a stranger sees in Java when the native library is not there: what was tried, why it failed, and both ways.
+# Without the native library, the Java error names the attempt, the reason and both ways to set the path.
 cd "$work" && cat >A.java <<<'class A { public static void main(String[] a) { lumigram.jni.LumigramJni.getLumigramTagInfo(null, null, null); } }'
 for tried in "-Dlumigram.library.path=no/lib.so System.load(\"$work/no/lib.so\"): Can't load" \
     '-Djava.library.path=no System.loadLibrary("LumigramJniNative"): no LumigramJniNative in'; do
   said=("${tried#* }" "set the system property lumigram.library.path to" "in a folder of java.library.path, which is now")
-  same "says why it is not loaded: ${tried%% *}" "$(printf '%s\n' "${said[@]}" | sort)" \
+  same "reports why the library is not loaded: ${tried%% *}" "$(printf '%s\n' "${said[@]}" | sort)" \
     "$(java "${tried%% *}" -cp "$tree/share/java/lumigram.jar" A.java 2>&1 | grep -oF "$(printf '%s\n' "${said[@]}")" | sort)"
 done
 
@@ -55,5 +62,5 @@ cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb
 pom_version=$(sed -n 's/^  <version>\(.*\)<.*/\1/p' "$root/java/pom.xml")
 same "the package" "lumigram_${pom_version}_$(dpkg --print-architecture).deb needs libc6" \
   "${deb##*/} needs $(dpkg-deb -f "$deb" Depends | grep -ow libc6)"
-same "what is packed" "$files" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
+same "packed files" "$files" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
 [ $failures -eq 0 ]

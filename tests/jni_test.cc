@@ -1,4 +1,4 @@
-// The native methods: the batch read, a tag group, a blob, and the writing of an object.
+// The native methods: the batch read, the lookup of a tag group and of a blob, and the write.
 #include <gtest/gtest.h>
 
 #include "jni/java_text.h"
@@ -8,7 +8,7 @@
 #include "tests/support/jpeg_builder.h"
 #include "tests/support/png_builder.h"
 
-// What happens, in no time, when the product pauses.
+// Replaces sleep(): runs this function and does not wait.
 static std::function<void()> onPause;
 
 extern "C" unsigned sleep(unsigned) {
@@ -37,8 +37,8 @@ Values Sizes(const Bytes& picture, size_t height, size_t width) {
           {"mOrnamailPop", "J0"}};
 }
 
-// The fields in the order in which they are written: what is there before, what the full picture
-// puts there, and an array that cannot take it.
+// The fields in the order in which they are written: the value before, the value from the full
+// picture, and an array that is too short for it.
 struct Field {
   std::string name, old, full, tooShort;
 };
@@ -93,13 +93,13 @@ class JniPicture : public testing::Test {
   FakeJni vm_;
 };
 
-// A file and its bytes, or none to leave it as it is; its object's values; the result; the values
-// that change, besides the sizes.
+// A file and its bytes (no bytes: the file is left alone), the values of its object, the result,
+// and the values that change besides the sizes.
 using Row = std::tuple<std::string, Bytes, Values, int, Values>;
 
 class JniRead : public JniPicture {
  protected:
-  // There is one path more than objects, and one result more, which is 5 before.
+  // There is one path more than objects, and one result more, which is 5 and stays 5.
   int Read(const std::vector<Row>& rows) {
     *paths_ = *objects_ = {};
     codes_->bytes.assign(rows.size(), 0);
@@ -163,7 +163,7 @@ TEST_F(JniRead, ReadsABatch) {
       {"wide.png", wide, kOld, -31, Sizes(wide, 5, 961)},
       {"largest.png", largest, kOld, 0, kFull},
       {"larger.png", largest + Bytes{0}, kOld, -99, {}},
-      {"bare.png", kBarePng, First(4, &Field::old), 0, {}},  // which needs four fields only
+      {"bare.png", kBarePng, First(4, &Field::old), 0, {}},  // needs only four fields
       {"badtag.png", badTag, kOld, 0, {{"mCategory", "S\xEF\xBF\xBD"}}},
       {"noname.png", Png(Tag("", "x")), kOld, 0, {{"mTagsElement", "Ax|*99|old"}}},
       {"late.png", {}, kOld, 0, {}},
@@ -173,7 +173,7 @@ TEST_F(JniRead, ReadsABatch) {
   EXPECT_EQ(pauses, 9);
 }
 
-// A field that is missing, or an array that cannot take what is due: what comes before is written.
+// If a field is missing, or an array is too short, the fields before it are written.
 TEST_F(JniRead, StopsAtTheFirstFieldThatCannotBeWritten) {
   for (size_t i = 0; i < std::size(kFields); ++i) {
     const auto& [name, old, full, tooShort] = kFields[i];
@@ -190,7 +190,7 @@ TEST_F(JniRead, StopsAtTheFirstFieldThatCannotBeWritten) {
 
 TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
   const Row row = {"full.png", kFullPng, kOld, 0, {}};
-  // Without the bulk copy each slot is stored.
+  // Without the bulk copy, each slot is stored separately.
   const std::set<std::string> harmless = {"", "FindClass", "NewObjectArray", "GetStaticMethodID",
                                           "CallStaticVoidMethodA"};
   int status, lookUps = 0;
@@ -202,7 +202,7 @@ TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
       EXPECT_EQ(vm_.Holds(objects_->elements[i], kFull), status == 0 && codes_->bytes[i] == 0);
     }
   });
-  EXPECT_EQ(lookUps, 12) << "each field once for two objects of one class";
+  EXPECT_EQ(lookUps, 12) << "each field is looked up once for two objects of one class";
   bool happened = true;
   for (int nth = 0; happened; ++nth) {
     const FailCalls fail(kAllCalls, nth / 2, EIO,
@@ -217,7 +217,7 @@ TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
 }
 
 TEST(JavaText, AnyBytesBecomeModifiedUtf8) {
-  // A "?" stands for U+FFFD.
+  // A "?" means U+FFFD.
   const std::string plain =
       "\x01\x7F\xC0\x80\xC2\x80\xDF\xBF\xE0\xA0\x80\xE1\x80\x80\xEF\xBF\xBF\xED\xA0\xBD\xED\xB8"
       "\x80";
@@ -294,7 +294,7 @@ class JniWrite : public JniPicture {
   const Bytes kept_ = PngBlob("EMJ00000000", "b.dat", test::Text("b"));
   const Bytes old_ = PngStart() + kept_ + kPngImage + kPngEnd;
   const std::string path_ = folder_.Write("a.png", old_);
-  // The third tag has a blob that the picture has, those beside it new ones.
+  // The third tag keeps a blob of the picture; the second and fourth add new ones.
   const Values full_ = {{"mName", "Asmile||wink|*7"},
                         {"mNote", "Ahappy|dropped|*8"},
                         {"mPart", "B1|2|-1"},
@@ -323,28 +323,28 @@ TEST_F(JniWrite, WritesEveryField) {
   none["mName"] = "A*10";
   EXPECT_EQ(Write(none, path_), 0);
   EXPECT_EQ(ReadWhole(path_), PngStart() + PngDocument("<emoji></emoji>") + kPngImage + kPngEnd);
-  // What stands behind the hundredth tag is not looked at.
+  // Entries after the hundredth tag are not read.
   none["mTags"] = "Ac*101";
   none["mTagsElement"] = "Ax*100";
   EXPECT_EQ(Write(none, path_), 0);
 }
 
 TEST_F(JniWrite, RefusesWhatIsNotComplete) {
-  // A field, its value or none when the class lacks it, and the status.
+  // A field, its value (empty: the class lacks the field), and the status.
   std::vector<std::tuple<std::string, std::string, int>> rows = {
       {"mName", "A*9", -99},
       {"mName", "A1234567890123456789012345|*9", -41},
       {"mNote", "A*9", -99},
       {"mTagsElement", "Ayellow|-|x", -99},
       {"mTagsElement", "Afile://THIS/wink.dat|ignored|x", -50},
-      // The name is taken before the text is cut.
+      // The name is taken from the whole text, which is cut to fit its field.
       {"mTagsElement", "Afile://THIS/" + std::string(1100, 'x') + "/wink.dat|ignored|x", -50},
       {kLabels, "AEMJ|EMJ", -99},
       {kLabels, "A", -99},
       {kUris, "A-", -99},
       {kUris, "A-|wink.dat", -99},
       {kUris, "A-|/missing/wink.dat|-|" + tune_, -41},
-      {kUris, "A-|/|-|" + tune_, -41},  // no name, as the first entry: they are not alike
+      {kUris, "A-|/|-|" + tune_, -41},  // two empty names are not a duplicate
   };
   for (const auto& [field, value] : full_) {
     rows.push_back({field, "", -99});

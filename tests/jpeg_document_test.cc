@@ -10,7 +10,7 @@ const std::string kText = "<emoji>new";
 const Bytes kFrame = JpegFrame(), kEnd = kJpegScan + kJpegEnd;
 const Bytes kOld = JpegComment(Document()), kNew = JpegComment(kText);
 
-// Reads a start of image and what follows it.
+// Reads a start of image and the given bytes after it.
 void CheckRead(const char* what, const Bytes& rest, int32_t status, std::string_view text = "",
                uint32_t width = 0, uint32_t height = 0) {
   CheckReader(what, GetXmlStringFromJpg, kJpegStart + rest, status, text, width, height);
@@ -21,7 +21,7 @@ void CheckWrite(const char* what, const Bytes& rest, std::string_view doc, int32
   CheckWriter(what, SetXmlStringToJpg, kJpegStart + rest, doc, status, kJpegStart + wantRest);
 }
 
-// Both, with a frame header before what follows, and kText as the new document.
+// Reads and writes a picture with a frame header before the given bytes; kText is the new document.
 void Check(const char* what, const Bytes& rest, int32_t readStatus, std::string_view text,
            int32_t writeStatus, const Bytes& wantRest = {}) {
   CheckRead(what, kFrame + rest, readStatus, text, 32, 16);
@@ -67,7 +67,7 @@ TEST(JpegDocument, FrameHeaders) {
     CheckRead("not a frame", JpegFrame(32, 16, uint8_t(code)) + kEnd, -21);
   CheckRead("largest", JpegFrame(960, 960) + kEnd, 0, "", 960, 960);
   CheckRead("too wide", JpegFrame(961, 1) + kEnd, -31);
-  CheckRead("too high behind one", kFrame + JpegFrame(1, 961) + kEnd, -31, "", 32, 16);
+  CheckRead("too high after another", kFrame + JpegFrame(1, 961) + kEnd, -31, "", 32, 16);
   CheckRead("shortest, last", kFrame + JpegSegment(0xC0, {8, 0, 1, 0, 2}) + kEnd, 0, "", 2, 1);
   CheckRead("too short", JpegSegment(0xC0, {8, 0, 1, 0}) + kEnd, -30);
   CheckRead("too wide and cut", FirstOf(JpegFrame(961, 1), 12), -30);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Looks into the built library: what it needs, what it exports, how it is laid out. Usage: tests/library_check.sh BUILD_FOLDER
+# Checks the built library: its dependencies, exports and layout. Usage: tests/library_check.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 library=$1/libLumigramJniNative.so
@@ -10,13 +10,13 @@ dynamic=$(readelf -dW "$library") segments=$(readelf -lW "$library") symbols=$(r
 
 same "needs only libc" "libc" "$(sed -nE 's/.*\(NEEDED\).*\[(.*)\.so(\.6)?\]/\1/p' <<<"$dynamic")"
 
-# The GNU C library names some functions by the width of file positions, or that they check sizes, and Clang knows its bcmp.
-# For ARM, a few have names of their own. __fwritable has its stand-in where the code is built for Android.
+# The GNU C library has other names for functions with 64-bit file positions and with checks of sizes; Clang uses bcmp, and ARM
+# has names for a few memory functions. __fwritable is replaced by other code in a build for Android.
 used=$(awk '$5 == "GLOBAL" && $7 == "UND" { print $8 }' <<<"$symbols" |
   sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d; /^__fwritable$/d')
 same "uses only what Android has had since level 21" "" "$(grep -vxFf "$root/cmake/android-libc.txt" <<<"$used")"
 
-# Functions of the header, and native methods of the Java class: each must be there, and nothing else.
+# The exports are exactly the functions of the header and the native methods of the Java class.
 functions=$(sed -nE 's/^LUMIGRAM_API .*[ *]([A-Z][A-Za-z0-9]*)\(.*/\1/p' "$root/include/lumigram.h")
 natives=$(sed -nE 's/.* native .* ([a-z][A-Za-z0-9]*)\(.*/Java_lumigram_jni_LumigramJni_\1/p' \
   "$root/java/src/main/java/lumigram/jni/LumigramJni.java")

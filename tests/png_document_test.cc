@@ -28,11 +28,11 @@ void CheckRead(const char* what, const Bytes& picture, int32_t status, std::stri
 }
 
 void CheckWrite(const char* what, const Bytes& rest, const std::string& doc, int32_t status,
-                const Bytes& wantRest = {}, const AttrInfo* attr = &kRecord) {
-  CheckWriter(what, SetXmlStringToPng, kStart + rest, doc, status, kStart + wantRest, attr);
+                const Bytes& wantRest = {}, const AttrInfo& record = kRecord) {
+  CheckWriter(what, SetXmlStringToPng, kStart + rest, doc, status, kStart + wantRest, record);
 }
 
-// Reads kStart and what follows it, and writes a new document and a new blob into it.
+// Reads kStart and the given bytes after it, and writes a new document and a new blob into it.
 void Check(const char* what, const Bytes& rest, int32_t readStatus, std::string_view text,
            int32_t writeStatus, const Bytes& wantRest = {}) {
   CheckRead(what, kStart + rest, readStatus, text, 32, 16);
@@ -83,17 +83,14 @@ TEST(PngDocument, Blobs) {
   CheckWrite("name over the file's end", named(4 + 13, ""), "", -99);
   CheckWrite("longest name", named(65537, longest), "", 0, named(65537, longest));
   CheckWrite("name too long", named(65538, longest + "."), "", -99);
-  CheckWrite("no record for a blob", named(4, "keep"), "", -99, {}, nullptr);
-  CheckWrite("no record for a document", kEnd, kText, -99, {}, nullptr);
-  CheckWrite("none needed", foreign + kEnd, "", 0, kEnd, nullptr);
   for (const char* path : {"missing", ""}) {
     const AttrInfo record = Blobs(kFolder.Path(path));
-    CheckWrite(path, kEnd, kText, -99, {}, &record);
+    CheckWrite(path, kEnd, kText, -99, {}, record);
   }
 }
 
 TEST(PngDocument, Limits) {
-  const AttrInfo* const none = nullptr;
+  const AttrInfo none = {};
   const Bytes longest = PngDocument(Document(10234)), noSignature = Patched(kStart + kEnd, 0, {7});
   CheckWrite("longest", kEnd, Document(10234), 0, longest + kBlobs + kEnd);
   CheckWrite("too long", kEnd, Document(10235), -41, {}, none);

@@ -1,5 +1,5 @@
-// A picture's file is the old one or the complete new one, whatever happens.
-#include "core/file/replace_file.h"
+// A picture's file is the old one or the complete new one, whatever call fails.
+#include "core/write/replace_file.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ const std::regex kTemporary("[.]lumigram-[a-z]{8}[.]png");
 const Bytes kOld = Bytes(2000, 'o') + Bytes(1000, 'd');
 const Bytes kLonger = Bytes(4000, 'l') + Bytes(1000, 'r');
 
-// Owner and mask may read and write, group and user 289 read, everyone else nothing.
+// Owner and mask: read and write. Group and user 289: read. Others: nothing.
 const Bytes kAccessList = {2, 0,  0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  4,
                            0, 33, 1,   0,   0,   4,   0,  4, 0,   255, 255, 255, 255, 16, 0,
                            6, 0,  255, 255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
@@ -54,8 +54,8 @@ std::string AccessTo(const std::string& path) {
   return access;
 }
 
-// A folder that others may enter, with a picture that has all that another file could fail to have,
-// prepared further by a shell command.
+// A folder that others may enter, with a picture that has an owner, a mode, an access control list
+// and other attributes. A shell command changes it for the test.
 class Scene {
  public:
   explicit Scene(const std::string& command = ":") {
@@ -84,17 +84,17 @@ enum Way { kRenamed, kInPlace, kNot };
 struct Case {
   std::string command;
   Way way;
-  std::string path = "p.png", target = "p.png";  // written to; holding the new picture
+  std::string path = "p.png", target = "p.png";  // the path that is written; the file that changes
   bool asOther = false;
   rlim_t sizeLimit = RLIM_INFINITY;
   mode_t firstMode = 0;  // of the temporary file
 };
 
-// Replaces a picture while the nth of these calls fails. False when there were fewer calls: then
-// nothing has failed, and nothing is checked. A process that is killed leaves the old picture or
-// the new one, and perhaps a temporary file; no program that it starts has inherited either.
+// Replaces a picture while the nth of these calls fails. Returns false, with nothing checked, when
+// there were fewer calls. A process that is killed leaves the old picture or the new one, and
+// perhaps a temporary file; a program that it starts does not inherit a descriptor of either.
 bool Check(const Case& c, const char* calls, int nth, int error) {
-  enum { kDone, kInjured = 2, kRefused = 4, kKilled = 8 };  // what the process ends with
+  enum { kDone, kInjured = 2, kRefused = 4, kKilled = 8 };  // exit statuses of the process
   const char* const what = error > 0 ? strerror(error) : error == kHalf ? "half" : "other";
   SCOPED_TRACE(testing::Message() << c.command.substr(0, 99) << "; " << what << ": " << calls
                                   << ", call " << nth);
@@ -102,7 +102,7 @@ bool Check(const Case& c, const char* calls, int nth, int error) {
   if (c.path == "q.png") SetAttribute(scene.Path(""), "system.posix_acl_default", kAccessList);
   const std::string target = scene.Path(c.target), access = AccessTo(target);
   const Bytes before = ReadWhole(target);
-  const struct stat file = StatusOf(target);  // zeros: none
+  const struct stat file = StatusOf(target);  // all zero: no such file
   const int result = InChild([&] {
     const rlimit size = {c.sizeLimit, c.sizeLimit};
     signal(SIGXFSZ, SIG_IGN);
@@ -127,7 +127,7 @@ bool Check(const Case& c, const char* calls, int nth, int error) {
   EXPECT_EQ(result & ~kInjured, c.way == kNot ? kRefused : kDone);
   EXPECT_EQ(after, c.way == kNot ? before : kLonger);
   EXPECT_EQ(StatusOf(target).st_ino != file.st_ino, c.way == kRenamed);
-  EXPECT_EQ(left != 0, error == kTaken) << "somebody else's file of that name stays";
+  EXPECT_EQ(left != 0, error == kTaken) << "another program's file with that name stays";
   if (file.st_ino == 0 && c.way == kRenamed) {
     EXPECT_EQ(StatusOf(target).st_mode, mode_t{S_IFREG | 0640});
   } else if (strcmp(calls, "fsetxattr") != 0) {
@@ -158,29 +158,29 @@ TEST(ReplaceFile, KindsOfFilesAndFolders) {
       {"chown 0 p.png 2>&-; :", kRenamed},  // only the group differs
       {"chgrp 0 p.png 2>&-; :", kRenamed},  // only the owner
       {"mkdir d.png", kNot, "d.png"},
-      {"cp p.png q.png", kRenamed, "q.png", "q.png"},  // where new files inherit an access list
+      {"cp p.png q.png", kRenamed, "q.png", "q.png"},  // new files inherit a list there
       {": a full disk, half-way", kNot, "p.png", "p.png", false, 4500},
       {"ln p.png full.png", kNot, "p.png", "p.png", false, 4500},
       {"mkfifo f.png", kNot, "f.png"},
       {"chown 65534 . p.png; chmod 400 p.png", kNot, "p.png", "p.png", true},
-      {"chown 65534:65534 p.png; chmod 6750 p.png", kInPlace, "p.png", "p.png", true},  // but not .
+      {"chown 65534:65534 p.png; chmod 6750 p.png", kInPlace, "p.png", "p.png", true},  // not our .
       {"chown 65534:34 .; chmod 2755 .; chown 65534:65534 p.png", kRenamed, "p.png", "p.png", true},
-      {"chown 65534 .; chmod 666 p.png", kInPlace, "p.png", "p.png", true},  // someone else's
+      {"chown 65534 .; chmod 666 p.png", kInPlace, "p.png", "p.png", true},  // not our p.png
       {"chown 65534:65534 . p.png; chmod 6750 p.png", kRenamed, "p.png", "p.png", true},
   };
   for (const Case& c : cases) {
     if (!c.asOther || getuid() == 0) Check(c, "pread64 pwrite64", 0, kHalf);
   }
-  if (getuid() != 0) GTEST_SKIP() << "what another user may do: only root can become one";
+  if (getuid() != 0) GTEST_SKIP() << "rows of another user: only root can run them";
 }
 
-// Which failures are failures, which lead to writing in place, and which are overcome: what an
-// interrupted call, or one that takes half, leaves undone is done.
+// Some failures make the write fail, some lead to writing in place. Calls that are interrupted or
+// transfer only half are repeated.
 TEST(ReplaceFile, EachCallFailing) {
   constexpr int kEach = -1;  // in turn
   constexpr char kRepeated[] = "open64 pread64 pwrite64 fsync ftruncate64 close";
   constexpr char kCalls[] = "open64 pwrite64 fsync fchown fchmod rename";
-  // A failing close() comes too late to put the old picture back.
+  // Without close(): if it fails, it is too late to put the old picture back.
   constexpr char kInPlaceCalls[] = "malloc open64 pread64 pwrite64 fsync ftruncate64";
   const std::vector<int> failures = {ENOSPC, EDQUOT, EIO}, repeated = {EINTR, kHalf};
   const std::vector<int> refusals = {EACCES,       EPERM,  EROFS,      EBUSY,  EXDEV,
@@ -217,13 +217,13 @@ TEST(ReplaceFile, EachCallFailing) {
               {killed("rm p.png; install -m 604 /dev/null p.png", 0600), kCalls, kEach, {kExec}}};
   const bool hasLists = AccessTo(Scene().Path()).find("none") == std::string::npos;
   for (const auto& [c, calls, first, errors] : rows) {
-    if (c.command == ": list" && !hasLists) continue;  // skipped below
+    if (c.command == ": list" && !hasLists) continue;  // GTEST_SKIP() below reports it
     for (const int error : errors) {
       int nth = std::max(first, 0);
       while (Check(c, calls, nth, error) && first == kEach) ++nth;
     }
   }
-  if (!hasLists) GTEST_SKIP() << "access lists and attributes: there are none in this folder";
+  if (!hasLists) GTEST_SKIP() << "rows with access lists: this file system has none";
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ def blob(label, name):
 
 
 def png(body, *chunks, tail=b""):
-    """The plain sample with a document of that body, right or wrong, and with further chunks."""
+    """The plain sample with a document of this content, valid or not, and with further chunks."""
     plain = (ROOT / "samples/plain.png").read_bytes()
     image = plain.index(b"IDAT") - 4
     body = body.encode() if isinstance(body, str) else body
@@ -60,53 +60,53 @@ def tags(*elements):
     return "".join(f'<tags name="{name}">{content}</tags>' for name, content in elements)
 
 
-# What a picture carries, what is said about it, and its labels and tags after it was rewritten by force.
+# The picture, a text that `check` prints about it, and its labels and tags after a rewrite with --force.
 LOSING = {
     "nameless label": (png("<label><note>n</note></label>" + tags(("a", "b"))), "label 1 has no name", [], ["a"]),
-    "long name": (png(label("n" * 25) + tags(("a", "b"))), "has 25 characters where 24 are allowed", [], ["a"]),
-    "eleventh label": (png("".join(map(label, "abcdefghijk"))), 'label 11 "k" is one too many', [*"abcdefghij"], []),
+    "long name": (png(label("n" * 25) + tags(("a", "b"))), "has 25 characters; the limit is 24", [], ["a"]),
+    "eleventh label": (png("".join(map(label, "abcdefghijk"))), 'label 11 "k" is not read: the limit is 10 labels', [*"abcdefghij"], []),
     "unknown part": (png(label("n", "<part>verb</part>")), 'unknown: "verb"', ["n"], []),
-    "text between": (png(label("n") + "<icon>x</icon>"), 'between the elements stands "<icon>x</icon>"', ["n"], []),
+    "text between": (png(label("n") + "<icon>x</icon>"), 'text between the elements: "<icon>x</icon>"', ["n"], []),
     "long content": (png(label("n") + tags(("a", "b"), ("t", "c" * 1025))), "no tag of the picture is read", ["n"], []),
-    "eleventh name": (png(tags(*[(n, "c") for n in "abcdefghijk"])), "eleventh name", [], [*"abcdefghij"]),
-    "eleventh of a name": (png(tags(*[("a", "c")] * 11)), "one too many of its name", [], ["a"] * 10),
+    "eleventh name": (png(tags(*[(n, "c") for n in "abcdefghijk"])), "limit is 10 names", [], [*"abcdefghij"]),
+    "eleventh of a name": (png(tags(*[("a", "c")] * 11)), "limit is 10 tags of one name", [], ["a"] * 10),
     "empty first content": (png(tags(("a", ""), ("b", "c"))), "no content is read", [], ["b"]),
-    "long category": (png(label("n") + f"<category>{'c' * 257}</category>"), "category is 1 bytes longer", ["n"], []),
+    "long category": (png(label("n") + f"<category>{'c' * 257}</category>"), "category has 257 bytes; the limit is 256", ["n"], []),
     "no text": (png(label("n").encode().replace(b"n<", b"n\xff<")), "is not valid text", ["n\ufffd"], []),
-    "markup": (png(label("n") + tags(("a", label("hidden")))), "is read otherwise", ["n"], None),
-    "blob without a tag": (png(label("n"), blob(b"EMJ", b"lost")), 'blob "lost" is named by no tag', ["n"], []),
+    "markup": (png(label("n") + tags(("a", label("hidden")))), "is read differently", ["n"], None),
+    "blob without a tag": (png(label("n"), blob(b"EMJ", b"lost")), 'no tag refers to blob "lost"', ["n"], []),
     "foreign blob": (png(label("n"), blob(b"XYZ", b"lost")), "rewriting drops it", ["n"], []),
     "tail": (png(label("n"), tail=b"behind"), "6 bytes follow the end of the picture", ["n"], []),
 }
 
-# ---- commands: exit status, and what stands in the output, or, after "!", in the errors ---------------
+# ---- commands: exit status, and texts in the output or, after "!", in the errors ----------------------
 
 FROM = "set --from -"
 COMMANDS = [
-    ("show wink.gif", 0, "wink.gif\tpicture\tGIF\t64x64\t1354 bytes\nwink.gif\tlabel\twink\t😉\t名詞-サ変接続\n"),
+    ("show wink.gif", 0, "wink.gif\tpicture\tGIF\t64x64\t1354 bytes\nwink.gif\tlabel\twink\t😉\tverbal-noun\n"),
     ("show smile.gif link.gif", 0, "\tpop\n", "\tblob\tEMJMOTION\tmotion.json\t620 bytes\n"),
     ("show cut.png wide.png plain.png", 1, "plain.png\tpicture", "!cut.png: damaged or truncated picture (-30)\n",
      "!wide.png: picture over 960 pixels (-31)\n"),
     ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: No such file or directory (-20)\n",
      "!README.md: unsupported file type (-21)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
-     "!.: a folder; -r takes the pictures in it (-20)\n"),
+     "!.: a folder; use -r for the pictures in it (-20)\n"),
     ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
     ("check [sub] -r wink.gif", 0, "2 fine\n"),
     ("set -n --category= --label 'smile 😀:a\\:b' --label 笑う::15 --label '[new]:n:1' --tag color=red smile.gif", 0,
-     "-\tcategory\tface\n", "-\tlabel\tsmile 😀\ta friendly face\t名詞\n", "+\tlabel\tsmile 😀\ta:b\t名詞\n",
-     "+\tlabel\t[new]\tn\t名詞\n", "-\ttag\tcolor\t黄色\n", "+\ttag\tcolor\tred\n", "1 would be written\n"),
+     "-\tcategory\tface\n", "-\tlabel\tsmile 😀\ta friendly face\tnoun\n", "+\tlabel\tsmile 😀\ta:b\tnoun\n",
+     "+\tlabel\t[new]\tn\tnoun\n", "-\ttag\tcolor\t黄色\n", "+\ttag\tcolor\tred\n", "1 would be written\n"),
     ("set --category face --tag mood='happy 🎉' smile.gif ./smile.gif link.gif", 0, "0 written, 1 unchanged\n"),
     ("set --embed EMJX:motion=out.bin heart.png sun.jpg", 1, "1 written, 1 failed\n", "!sun.jpg: a JPEG picture carries"),
     ("set --embed EMJX:color=[sub]/boing.mid heart.png", 1, '!two blobs would have the name "boing.mid" (-50)\n'),
     ("set --embed EMJX:a=out.bin --embed EMJX:b=out.bin plain.png", 1, '!two blobs would have the name "out.bin" (-50)\n'),
-    ("set --tag eleven=x star.png", 1, '!star.png: tag "eleven" with "x" has an eleventh name: it is not read (-41)\n'),
+    ("set --tag eleven=x star.png", 1, '!star.png: tag "eleven" with "x" is not read: the limit is 10 names (-41)\n'),
     ("set --tag 'a=<label>' --category new wink.gif", 1, "!wink.gif: the content of tag 1 holds <label>, which is markup"),
     ("set --backup --category c classic.gif", 1, '!classic.gif: the backup "classic.gif~": File exists (-99)\n'),
     ("set --replace --label only smile.gif plain.png", 0, "2 written\n"),
     ("clear smile.gif heart.png plain.png", 0, "2 written, 1 unchanged\n"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
-    (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters where 24 are allowed"),
-    ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label begins with EMJ and has at most 11 bytes\n"),
+    (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters; the limit is 24"),
+    ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label must begin with EMJ and have at most 11 bytes\n"),
     ("set --label 'a</name>' star.png", 2, "!the name of label 1 holds </name>, which is markup of the document\n"),
     (FROM, 2, "[{]", "!standard input: line 1, column 3: "),
     (FROM, 2, '[{"path": "star.png", "labels": [{"name": "x"}, {"name": 3}]}]', "!/0/labels/1/name: expected a text, found 3\n"),
@@ -165,7 +165,7 @@ def test_texts(folder):
     prepare(folder)
     run(["set", "--label", HOSTILE.replace(":", "\\:"), "--tag", f"{HOSTILE}={HOSTILE}", "plain.png"])
     [shown] = json.loads(run("show --json plain.png")[1])
-    report("odd texts come back", shown["labels"][0]["name"] != HOSTILE, run(["tag", HOSTILE, "plain.png"])[1] != HOSTILE + "\n")
+    report("unusual texts are read back", shown["labels"][0]["name"] != HOSTILE, run(["tag", HOSTILE, "plain.png"])[1] != HOSTILE + "\n")
     report("new texts are spelled as Java does", b"\xed\xa0\xbd\xed\xb8\x80" not in contents()["plain.png"],
            run(["set", "--category", b"\xff", "plain.png"])[0] != 2)
     control, terminal = pty.openpty()
@@ -182,7 +182,7 @@ def test_round_trip(folder):
     edited = pack.replace("a friendly face", "kind").replace('"夏"', '"冬"')
     same = run("set --from - -n", edited)[1].count("\t+\t"), run("set --from -", edited)[1]
     report("two pictures of a pack, edited", same != (2, "2 written, 4 unchanged\n") and same,
-           "smile 😀".encode() not in contents()["smile.gif"] and "a text that stayed is spelled anew",
+           "smile 😀".encode() not in contents()["smile.gif"] and "the spelling of an unchanged text has changed",
            {name for name in old if contents()[name] != old[name]} != {"smile.gif", "link.gif", "sun.jpg"} and "others changed")
     blobs = [run(["extract", "EMJ", name, "smile.gif"])[1] for name in ("boing.mid", "motion.json")]
     report("blobs stay", blobs[1] != pathlib.Path("blobs/motion.json").read_text(), not blobs[0].startswith("MThd"))
@@ -193,7 +193,7 @@ def test_round_trip(folder):
 
 
 def interrupt(folder):
-    """Ctrl-C after the first ten of a thousand pictures. A busy machine may be late: None when all were done by then."""
+    """Ctrl-C after the first ten of a thousand pictures. None if a busy machine was late, and all were done by then."""
     shutil.rmtree(folder)
     folder.mkdir()
     for i in range(1000):

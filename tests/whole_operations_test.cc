@@ -1,4 +1,4 @@
-// Whole reads and writes: each of their calls of the C library failing, and in several threads.
+// Whole reads and writes while each of their calls of the C library fails, and in several threads.
 #include <errno.h>
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ int32_t CopyBlob(FILE* stream, FileType type) {
   return status != 0 ? status : copy(stream, data, &size, "EMJ", "b");
 }
 
-// Writes the record, or reads the category and a blob; in blocks or through stdio.
+// Writes the record, or reads the category and a blob, in blocks or through stdio.
 int32_t Operate(const std::string& path, const AttrInfo* record, std::string* category,
                 bool throughStdio = false) {
   FILE* stream = nullptr;

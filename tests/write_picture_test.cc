@@ -1,4 +1,4 @@
-// Whole writes: what refuses them, and that a refused picture stays as it is.
+// Whole writes: their limits, and that a refused picture is not changed.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,8 +12,8 @@
 namespace lumigram::test {
 namespace {
 
-// Writes the record, with blobs, to a picture in a file of at least that size: what lies behind the
-// picture's end is not carried over. A picture that is refused stays as it is.
+// Writes the record, with blobs, to a picture in a file of at least that size: bytes after the
+// picture's end are not copied. A picture that is refused must not change.
 int32_t Write(AttrInfo& attr, FileType type, Bytes picture, size_t size = 0,
               const std::vector<std::string>& uris = {}, const char* name = "p.png") {
   const TempFolder folder;
@@ -49,7 +49,7 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
   for (const FileType type : {kFileTypeGif, kFileTypePng}) {
     const Bytes& picture = type == kFileTypeGif ? gif : png;
     const size_t old =
-        type == kFileTypeGif ? 14 + 2 + 300 + 3 : 31 + 1 + 300;  // what the blob takes
+        type == kFileTypeGif ? 14 + 2 + 300 + 3 : 31 + 1 + 300;  // the size of the blob
     const std::tuple<const char*, std::vector<std::string>, size_t> cases[] = {
         {"the blob removed", {}, kEstimate + old},
         {"kept", {kept}, kEstimate},
@@ -62,10 +62,10 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
     }
     for (const std::string& uri : {half, empty, missing})
       EXPECT_EQ(Write(attr, type, picture, 0, {uri, uri}), -99) << uri << ", type " << type;
-    // The estimate wraps: a fault of the picture comes before the blobs, which do not fit.
+    // The estimate wraps: the writer finds the fault of the picture first, not the missing room.
     EXPECT_EQ(Write(attr, type, FirstOf(picture, 33), 0, {half, half}), -30) << "type " << type;
   }
-  // The smallest blobs take more than is estimated, and so does a document of 10,234 bytes.
+  // The smallest blobs, and a document of 10,234 bytes, take more than the estimate.
   for (int i = 0; i < 10; ++i) {
     CopyText(attr.tag[i].tagName, "n");
     CopyText(attr.tag[i].tagElement, std::string(i < 9 ? 1000 : 999, 'x'));
@@ -79,7 +79,7 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
     return PngStart() + PngChunk("abCd", Bytes(n)) + kPngImage + kPngEnd;
   };
   const size_t room = kLimit - filled(0).size() - (18 + 15);  // besides the smallest document
-  // Sub-blocks behind an unknown label, in which a query sees a block that ends short.
+  // Sub-blocks of an unknown extension, in which a size query finds a block that ends early.
   const Bytes odd = GifScreen() + Bytes{0x21, 9, 4, 0x21, 0xFF, 250, 1, 0} + GifImage() + kGifEnd;
   attr = {};
   EXPECT_EQ(Write(attr, kFileTypePng, filled(room)), 0);
@@ -88,7 +88,7 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
   EXPECT_EQ(Write(attr, kFileTypeGif, filled(0), 0, {}, "p.txt"), -30);
   EXPECT_EQ(Write(attr, kFileTypeGif, odd, 0, {kept}), 0);
   EXPECT_EQ(Write(attr, kFileTypePng, {}), -99);
-  // A picture that is none, with more blobs than it can hold: in 32 bits the estimate is over the
+  // A faulty picture that claims more blobs than it can hold: in 32 bits the estimate is over the
   // limit, or just under the size of the file.
   for (const auto& [claimed, status] : {std::pair(1u << 20, -99), {0u - 8, -30}}) {
     const Bytes lying = Bytes(33) + PngChunkClaiming(claimed, "emJe", Text("EMJ")) + kPngEnd;

@@ -1,9 +1,10 @@
-# Shared by run, check and the scripts of tests/: sourced by bash, with the project's folder in $root.
+# shellcheck shell=bash
+# Shared by run, check, bench/run and the scripts of tools/: sourced by bash, with the project's folder in $root.
 export LC_ALL=C.UTF-8  # names and texts are UTF-8 whatever the caller's locale
-logs=$root/build/logs
+logs=${root:?}/build/logs
 mkdir -p "$logs"
 
-# quietly NAME COMMAND...: runs the command with its output in a log of that name; shows the log's tail when it fails.
+# quietly NAME COMMAND...: runs the command with its output in a log of that name. Prints the end of the log when it fails.
 quietly() {
   local log="$logs/$1.log" status=0
   shift
@@ -11,7 +12,7 @@ quietly() {
   if [ $status -ne 0 ]; then
     echo "failed with status $status: $*"
     tail -n 40 "$log"
-    echo "(the whole log: $log)"
+    echo "(whole log: $log)"
   fi >&2
   return $status
 }

@@ -15,7 +15,7 @@ namespace lumigram {
 namespace {
 
 bool IsReadOnly(FILE* stream, int descriptor) {
-#ifdef __ANDROID__  // whose older C libraries do not tell
+#ifdef __ANDROID__  // Older C libraries of Android have no __fwritable().
   (void)stream;
   const int flags = fcntl(descriptor, F_GETFL);
   return flags >= 0 && (flags & O_ACCMODE) == O_RDONLY;
@@ -52,8 +52,8 @@ bool ByteSource::Measure() {
   int descriptor = -1;
   uint64_t end = 0;
   const bool isFile = IsReadOnlyFile(stream_, &descriptor, &end);
-  const uint64_t ahead = isFile && end <= kBlockSize ? ReadAhead(static_cast<size_t>(end)) : 0;
-  // A stream that hands over as many bytes as its file has stood at the start: it is not asked.
+  const uint64_t ahead = isFile && end <= kBlockSize ? FillFromStream(static_cast<size_t>(end)) : 0;
+  // We read as many bytes as the file has, so the stream was at its start; no ftell() needed.
   const bool isWhole = ahead > 0 && ahead == end;
   const long at = isWhole ? static_cast<long>(end) : ftell(stream_);
   if (at < 0) return false;
@@ -74,28 +74,28 @@ bool ByteSource::Measure() {
   return true;
 }
 
-// Fills the block with up to that many bytes of the stream.
-size_t ByteSource::ReadAhead(size_t size) {
+// Fills the block with up to size bytes of the stream.
+size_t ByteSource::FillFromStream(size_t size) {
   const size_t got = fread(block_, 1, size, stream_);
-  // The end that a short read has met, or its error, is nothing to the stream's owner.
+  // Do not leave EOF or an error flag on the caller's stream.
   if (got < size) clearerr(stream_);
   return got;
 }
 
-bool ByteSource::ReadMore(std::span<uint8_t> out) {
+bool ByteSource::ReadPastBlock(std::span<uint8_t> out) {
   if (measured_ && out.size() > Remaining()) return false;
-  if (descriptor_ >= 0) return ReadFile(out);
-  return ReadStream(out);
+  if (descriptor_ >= 0) return ReadThroughBlock(out);
+  return ReadThroughStdio(out);
 }
 
-bool ByteSource::ReadStream(std::span<uint8_t> out) {
+bool ByteSource::ReadThroughStdio(std::span<uint8_t> out) {
   const size_t got = fread(out.data(), 1, out.size(), stream_);
   blockStart_ += got;
   return got == out.size();
 }
 
-// Up to room.size() bytes; 0 at the end of the file, or when it cannot be read.
-size_t ByteSource::ReadAt(uint64_t position, std::span<uint8_t> room) {
+// Reads up to room.size() bytes; 0 at the end of the file, or when it cannot be read.
+size_t ByteSource::ReadSomeAt(uint64_t position, std::span<uint8_t> room) const {
   for (;;) {
     const ssize_t got = pread(descriptor_, room.data(), room.size(), static_cast<off_t>(position));
     if (got >= 0) return static_cast<size_t>(got);
@@ -103,28 +103,28 @@ size_t ByteSource::ReadAt(uint64_t position, std::span<uint8_t> room) {
   }
 }
 
-bool ByteSource::Refill() {
+bool ByteSource::FillBlockHere() {
   const uint64_t position = Position();
   const bool isNear = filled_ > 0 || end_ <= kBlockSize;
-  const uint64_t got = ReadAt(position, {block_, isNear ? kBlockSize : kPieceSize});
+  const uint64_t got = ReadSomeAt(position, {block_, isNear ? kBlockSize : kPieceSize});
   blockStart_ = position;
   next_ = 0;
-  // Of a file that has grown, only what was measured counts.
+  // If the file has grown, only the measured bytes are used.
   filled_ = static_cast<uint32_t>(std::min(got, end_ - position));
   return filled_ > 0;
 }
 
-// Large reads go straight to where they belong, small ones through the block.
-bool ByteSource::ReadFile(std::span<uint8_t> out) {
+// Large reads go directly into out, small ones through the block.
+bool ByteSource::ReadThroughBlock(std::span<uint8_t> out) {
   while (!out.empty()) {
     size_t taken = filled_ - next_;
     if (taken == 0 && out.size() >= kPieceSize) {
-      taken = ReadAt(Position(), out);
+      taken = ReadSomeAt(Position(), out);
       blockStart_ = Position() + taken;
       next_ = filled_ = 0;
       if (taken == 0) return false;
     } else {
-      if (taken == 0 && !Refill()) return false;
+      if (taken == 0 && !FillBlockHere()) return false;
       taken = std::min<size_t>(filled_ - next_, out.size());
       memcpy(out.data(), block_ + next_, taken);
       next_ += static_cast<uint32_t>(taken);
@@ -152,7 +152,7 @@ bool ByteSource::Skip(uint64_t n) {
   if (measured_) return MoveTo(n < Remaining() ? Position() + n : end_);
   while (n > 0) {
     const size_t step = n < kBlockSize ? static_cast<size_t>(n) : kBlockSize;
-    if (!ReadStream({block_, step})) return false;
+    if (!ReadThroughStdio({block_, step})) return false;
     n -= step;
   }
   return true;
@@ -170,7 +170,7 @@ bool ByteSource::Compare(std::string_view text, bool* equal) {
   return true;
 }
 
-// What waits in the block is searched at once; the pair may begin there and end in the next one.
+// memchr() searches the bytes of the block. The pair may begin in one block and end in the next.
 bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
   uint8_t byte;
   for (bool afterFirst = false;; afterFirst = byte == first) {

@@ -29,8 +29,7 @@ inline void StoreBe32(uint32_t value, uint8_t* p) {
   StoreBe16(static_cast<uint16_t>(value), p + 2);
 }
 
-// Whether the bytes, which have all been read, begin with the text. Fewer bytes than the text has
-// never do.
+// Whether the bytes begin with the text. False when there are fewer bytes than the text has.
 inline bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text) {
   return bytes.size() >= text.size() && memcmp(bytes.data(), text.data(), text.size()) == 0;
 }

@@ -1,4 +1,4 @@
-// Where a writer builds the new picture: room that is claimed or refused.
+// The memory in which a writer builds the new picture.
 #ifndef LUMIGRAM_CORE_BASE_OUTPUT_BUFFER_H_
 #define LUMIGRAM_CORE_BASE_OUTPUT_BUFFER_H_
 
@@ -14,17 +14,18 @@
 
 namespace lumigram {
 
-// Appends to memory that it borrows. Claim() holds the only test for room that the writers have:
-// everything they append goes through it, and what does not fit is refused whole. Invariant: Size()
-// <= capacity.
+// Appends to memory that it borrows. Claim() has the bounds test of the writers: it refuses an
+// append that does not fit as a whole. Invariant: Size() <= capacity.
 class OutputBuffer {
  public:
-  OutputBuffer(uint8_t* data, uint32_t capacity, uint32_t size = 0)
-      : data_(data), capacity_(capacity), size_(size) {}
+  OutputBuffer(uint8_t* data, uint32_t capacity) : data_(data), capacity_(capacity) {}
+  OutputBuffer(const OutputBuffer&) = delete;
+  OutputBuffer& operator=(const OutputBuffer&) = delete;
 
-  // Room for n bytes behind what is there, uninitialised; null when they do not fit.
+  // Appends n uninitialised bytes and returns the first; null, with nothing appended, when they do
+  // not fit.
   [[nodiscard]] uint8_t* Claim(uint64_t n) {
-    if (size_ > capacity_ || n > capacity_ - size_) return nullptr;
+    if (n > capacity_ - size_) return nullptr;
     uint8_t* room = data_ + size_;
     size_ += static_cast<uint32_t>(n);
     return room;
@@ -56,13 +57,22 @@ class OutputBuffer {
 
   uint32_t Size() const { return size_; }
 
+  // The last n bytes that were appended.
+  std::span<const uint8_t> Last(uint32_t n) const { return {data_ + size_ - n, n}; }
+
+  // For callers that do not know in advance how many bytes to keep: Room() is the room that is
+  // left, KeepFirst() appends the first n bytes that the caller has put there. n is at most
+  // Room().size().
+  std::span<uint8_t> Room() const { return {data_ + size_, capacity_ - size_}; }
+  void KeepFirst(size_t n) { size_ += static_cast<uint32_t>(n); }
+
  private:
   uint8_t* const data_;
   const uint32_t capacity_;
-  uint32_t size_;
+  uint32_t size_ = 0;
 };
 
-// Copies the next n bytes of a measured source. The source is asked first, so that a truncated
+// Copies the next n bytes of a measured source. The source is checked first, so that a truncated
 // picture (kMalformed) is never reported as one that does not fit (kNoRoom).
 inline Status CopyBytes(ByteSource& source, uint64_t n, OutputBuffer& out) {
   if (n > source.Remaining()) return kMalformed;

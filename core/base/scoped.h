@@ -17,13 +17,11 @@ struct CloseDeleter {
   void operator()(FILE* stream) const { fclose(stream); }
 };
 
-// A block of malloc(). `ScopedBlock<T> block(static_cast<T*>(malloc(sizeof(T))));` may be null: no
-// memory.
+// Owns a block of malloc(); null when there was no memory.
 template <typename T>
 using ScopedBlock = std::unique_ptr<T, FreeDeleter>;
 
-// A stream that is closed at the end of the scope; what fclose() says is of no interest for one
-// that was only read.
+// Owns a stream that is only read, so that the result of fclose() does not matter.
 using ScopedFile = std::unique_ptr<FILE, CloseDeleter>;
 
 }  // namespace lumigram

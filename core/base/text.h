@@ -14,7 +14,7 @@ namespace lumigram {
 template <size_t N>
 void CopyText(char (&field)[N], std::string_view text) {
   const size_t size = text.size() < N - 1 ? text.size() : N - 1;
-  memcpy(field, text.data(), size);
+  if (size > 0) memcpy(field, text.data(), size);
   field[size] = '\0';
 }
 

@@ -9,8 +9,8 @@ namespace lumigram {
 namespace {
 
 // An element within its document: its start tag begins at start, its content runs from content to
-// end, and what follows its end tag begins at rest. The content may come out negative; the callers
-// refuse that, each with its own status.
+// end, and the text after its end tag begins at rest. ContentSize() is negative when the end tag
+// begins before the content does; each caller refuses that with its own status.
 struct Element {
   char* start;
   const char* content;
@@ -51,7 +51,7 @@ int32_t CheckTagState(const char* start, const char* end) {
 
 uint32_t GetStrLenUtf8(const char* text) { return text == nullptr ? 0 : CountCharacters(text); }
 
-// The end tag is searched from the start tag on.
+// The search for the end tag begins at the start tag.
 int32_t GetElementContent(char* doc, const char* startTag, const char* endTag, char* out) {
   if (doc == nullptr || startTag == nullptr || endTag == nullptr) return kFailed;
   char* const start = strstr(doc, startTag);
@@ -67,8 +67,8 @@ int32_t GetElementContent(char* doc, const char* startTag, const char* endTag, c
   return kOk;
 }
 
-// Both tags are searched from the beginning: an end tag that stands before its start tag makes the
-// element malformed.
+// Both searches begin at the start of the document: the element is malformed if an end tag precedes
+// its start tag.
 int32_t GetElementTagContent(char* doc, const char* startTag, const char* endTag, char* nameOut,
                              char* contentOut) {
   if (doc == nullptr || startTag == nullptr || endTag == nullptr) return kFailed;

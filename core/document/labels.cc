@@ -1,4 +1,4 @@
-// The labels of a document, taken into the attribute record.
+// Reads the labels of a document into the record.
 #include <string.h>
 
 #include "core/base/status.h"
@@ -7,16 +7,15 @@
 namespace lumigram {
 namespace {
 
-// No label may show anything of what the record held before.
+// Empties the labels of the record, so that none of an earlier picture remains visible.
 void EmptyLabels(AttrInfo* attr) {
   attr->labelCount = attr->nameCount = attr->noteCount = attr->partCount = 0;
   for (int32_t i = 0; i < kLumigramMaxLabels; ++i)
     attr->name[i][0] = attr->note[i][0] = attr->part[i][0] = '\0';
 }
 
-// Takes name, note and part of one label, in any order, out of its own text into entry i. Texts are
-// copied without a terminator, so the whole entry is cleared. A count does not include an entry
-// whose text was refused.
+// Reads name, note and part of one label, in any order, into entry i. Texts are copied without a
+// terminator, so the whole entry is cleared first. A text that is refused is not counted.
 int32_t ReadLabel(char* label, int32_t i, AttrInfo* attr) {
   memset(attr->name[i], 0, sizeof attr->name[i]);
   memset(attr->note[i], 0, sizeof attr->note[i]);

@@ -9,27 +9,41 @@
 namespace lumigram {
 namespace {
 
-Status ReadDocument(ByteSource& source, FileType type, char* xmlBuf, int32_t* height,
-                    int32_t* width, int32_t* pop) {
-  // Dimensions are at most 960 or, where a reader stores them before it refuses them, any 32 bits.
-  uint32_t* const unsignedHeight = reinterpret_cast<uint32_t*>(height);
-  uint32_t* const unsignedWidth = reinterpret_cast<uint32_t*>(width);
-  switch (type) {
-    case kFileTypeGif:
-      return ReadGifDocument(source, xmlBuf, height, width, pop);
-    case kFileTypeJpeg:
-      return ReadJpegDocument(source, xmlBuf, unsignedHeight, unsignedWidth);
-    default:
-      return ReadPngDocument(source, xmlBuf, unsignedHeight, unsignedWidth);
+struct Readers {
+  Status (*readDocument)(ByteSource& source, const ReaderOutputs& out);
+  Status (*survey)(ByteSource& source, Survey* survey, const BlobVisitor& visit);
+};
+
+// Null for an unknown kind.
+const Readers* ReadersOf(Kind kind) {
+  static constexpr Readers kGif = {ReadGifDocument, SurveyGif};
+  static constexpr Readers kJpeg = {ReadJpegDocument, SurveyJpeg};
+  static constexpr Readers kPng = {ReadPngDocument, SurveyPng};
+  switch (kind) {
+    case Kind::kGif:
+      return &kGif;
+    case Kind::kJpeg:
+      return &kJpeg;
+    case Kind::kPng:
+      return &kPng;
   }
+  return nullptr;
 }
 
 }  // namespace
 
-Status ExtractDocument(ByteSource& source, FileType type, char* xmlBuf, int32_t* height,
-                       int32_t* width, int32_t* pop) {
-  if (Status s = ReadDocument(source, type, xmlBuf, height, width, pop); s != kOk) return s;
-  return xmlBuf[0] == '\0' ? kNoDocument : kOk;
+Status ExtractDocument(ByteSource& source, Kind kind, const ReaderOutputs& out) {
+  const Readers* const readers = ReadersOf(kind);
+  if (readers == nullptr) return kBadArgument;
+  if (Status s = readers->readDocument(source, out); s != kOk) return s;
+  return out.document[0] == '\0' ? kNoDocument : kOk;
+}
+
+Status SurveyPicture(ByteSource& source, Kind kind, Survey* survey, const BlobVisitor& visit) {
+  const Readers* const readers = ReadersOf(kind);
+  if (readers == nullptr) return kBadArgument;
+  if (!source.Measure() || !source.Back(source.Position())) return kBadStream;
+  return readers->survey(source, survey, visit);
 }
 
 }  // namespace lumigram
@@ -39,12 +53,13 @@ using namespace lumigram;
 int32_t GetXmlString(FILE* stream, FileType type, char* xmlBuf, int32_t* height, int32_t* width,
                      int32_t* pop) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
-  if (type < kFileTypeGif || type > kFileTypePng) return kBadArgument;
+  const std::optional<Kind> kind = KindOf(type);
+  if (!kind) return kBadArgument;
   int32_t size = 0;
   if (CommonGetFileSize(stream, &size) != kOk || size > kLumigramMaxPictureBytes)
     return kBadArgument;
-  // An empty file is most likely one that somebody is about to write.
+  // Give a program that has just created the file time to write it.
   if (size == 0) sleep(1);
   ByteSource source(stream);
-  return ExtractDocument(source, type, xmlBuf, height, width, pop);
+  return ExtractDocument(source, *kind, {xmlBuf, height, width, pop});
 }

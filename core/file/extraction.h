@@ -1,18 +1,22 @@
-// Picks the reader by the picture's type.
+// Reads or surveys a picture of any kind.
 #ifndef LUMIGRAM_CORE_FILE_EXTRACTION_H_
 #define LUMIGRAM_CORE_FILE_EXTRACTION_H_
 
-#include <stdint.h>
-
 #include "core/base/byte_source.h"
+#include "core/base/kind.h"
 #include "core/base/status.h"
+#include "core/document/reader_outputs.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
-// As GetXmlString(), which has tested arguments and size before: kNoDocument without a document,
-// else the status of the type's reader.
-Status ExtractDocument(ByteSource& source, FileType type, char* xmlBuf, int32_t* height,
-                       int32_t* width, int32_t* pop);
+// As GetXmlString(), after its checks of arguments and size. Returns kNoDocument without a
+// document, kBadArgument for an unknown kind, else the status of the kind's reader.
+Status ExtractDocument(ByteSource& source, Kind kind, const ReaderOutputs& out);
+
+// Surveys a picture from its start, whatever the position of the source. Calls the visitor for each
+// blob.
+Status SurveyPicture(ByteSource& source, Kind kind, Survey* survey, const BlobVisitor& visit);
 
 }  // namespace lumigram
 

@@ -1,5 +1,5 @@
-// Sizes of open files. A regular file that is only read tells its size by its status; every other
-// stream by its positions.
+// Sizes of open files: from fstat() for a regular file that is open for reading only, from the
+// position of the end for every other stream.
 #include <stdlib.h>
 
 #include "core/base/byte_source.h"
@@ -10,7 +10,7 @@ namespace {
 
 bool FitsSize(uint64_t size) { return size <= kMaxPosition; }
 
-// The position at the stream's end; the stream stays there.
+// Moves the stream to its end, and stores that position.
 bool SeekToEnd(FILE* stream, int32_t* size) {
   if (fseek(stream, 0, SEEK_END) != 0) return false;
   const long end = ftell(stream);

@@ -1,10 +1,10 @@
-// The picture's type, from its name alone, and its opening.
+// Determines a picture's type from its name, and opens it.
 #include <string.h>
 
 #include <string_view>
 
+#include "core/base/path.h"
 #include "core/base/status.h"
-#include "core/file/path.h"
 
 namespace lumigram {
 namespace {
@@ -19,7 +19,7 @@ constexpr Extension kExtensions[] = {{".gif", kFileTypeGif},
                                      {".jpeg", kFileTypeJpeg},
                                      {".png", kFileTypePng}};
 
-// Only ASCII letters have cases here, whatever the locale.
+// Ignores the case of ASCII letters only, whatever the locale.
 bool EqualsFolded(const char* text, std::string_view lowerCase) {
   for (char want : lowerCase) {
     const char c = *text++;

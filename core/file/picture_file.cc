@@ -3,13 +3,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "core/base/path.h"
 #include "core/file/extraction.h"
-#include "core/file/path.h"
 
 namespace lumigram {
 namespace {
 
-// Files of other sizes are waited for, or refused.
+// False for files that are left to the functions for streams: an empty file, which may still be
+// written, a file over the limit, and anything that is not a regular file.
 bool IsReadyToRead(int descriptor, int32_t* size) {
   struct stat status;
   if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return false;
@@ -48,12 +49,13 @@ ByteSource PictureFile::Source() const {
                             : ByteSource(descriptor_, static_cast<uint64_t>(size_));
 }
 
-Status PictureFile::ReadDocument(char* xmlBuf, int32_t* height, int32_t* width,
-                                 int32_t* pop) const {
-  if (stream_ != nullptr)
-    return static_cast<Status>(GetXmlString(stream_.get(), type_, xmlBuf, height, width, pop));
+Status PictureFile::ReadDocument(const ReaderOutputs& out) const {
+  if (stream_ != nullptr) {
+    return static_cast<Status>(
+        GetXmlString(stream_.get(), type_, out.document, out.height, out.width, out.pop));
+  }
   ByteSource source = Source();
-  return ExtractDocument(source, type_, xmlBuf, height, width, pop);
+  return ExtractDocument(source, GetKind(), out);
 }
 
 }  // namespace lumigram

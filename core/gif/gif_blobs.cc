@@ -4,17 +4,16 @@
 #include <string_view>
 
 #include "core/base/output_buffer.h"
-#include "core/document/document_format.h"
 #include "core/gif/gif_format.h"
 
 namespace lumigram {
 namespace {
 
-// No label or name that is looked for is longer.
+// The longest label or name that a caller may search for.
 constexpr size_t kMaxWanted = 12289;
 
-// What a block of ours takes before its first sub-block: introducer, label, the identifier's size
-// and the identifier.
+// The bytes of a blob's extension before the sub-block with its name: introducer, extension label,
+// size of the identifier, identifier.
 constexpr uint32_t kBlockHead = 3 + kBlobLabelSize;
 
 Status ReadScreen(ByteSource& source, GifScreen* screen) {
@@ -22,7 +21,7 @@ Status ReadScreen(ByteSource& source, GifScreen* screen) {
   return source.Read(screen->bytes) ? kOk : kMalformed;
 }
 
-// Counts only what the file has: a truncated picture must not seem to hold more than its size.
+// Counts only bytes that the file has, even if a sub-block of a truncated picture claims more.
 Status CountChain(ByteSource& source, uint32_t* total) {
   uint8_t size;
   do {
@@ -35,7 +34,7 @@ Status CountChain(ByteSource& source, uint32_t* total) {
   return kOk;
 }
 
-class BlobMeter : public GifHandler {
+class BlobMeter : public PassesCommentsAndImages {
  public:
   // The name's data() is null to count all blobs.
   BlobMeter(std::string_view fileName, uint32_t* size) : fileName_(fileName), size_(size) {}
@@ -70,7 +69,7 @@ Status BlobMeter::CountNamed(ByteSource& source) {
   return done ? CountChain(source, size_) : SkipChain(source);
 }
 
-class AllBlobsMeter : public GifHandler {
+class AllBlobsMeter : public PassesCommentsAndImages {
  public:
   explicit AllBlobsMeter(const AttrInfo& attr) : names_(attr) {}
 
@@ -96,66 +95,66 @@ Status AllBlobsMeter::OnApplication(ByteSource& source) {
   return s;
 }
 
-class BlobCopier : public GifHandler {
+// Copies the data of a blob without the sizes of its sub-blocks. *length is right even after a
+// failure.
+Status CopyChain(ByteSource& source, OutputBuffer& data, uint32_t* length) {
+  uint8_t size;
+  if (!source.ReadByte(&size)) return kMalformed;
+  while (size != 0) {
+    if (Status s = CopyBytes(source, size, data); s != kOk) return s;
+    *length = data.Size();
+    if (!source.ReadByte(&size)) return kMalformed;
+  }
+  return kOk;
+}
+
+class BlobCopier : public PassesCommentsAndImages {
  public:
-  BlobCopier(std::string_view label, std::string_view fileName, OutputBuffer data,
-             uint32_t* dataLength)
-      : label_(label), fileName_(fileName), data_(data), dataLength_(dataLength) {}
+  BlobCopier(const WantedBlob& wanted, OutputBuffer& data, uint32_t* dataLength)
+      : wanted_(wanted), data_(data), dataLength_(dataLength) {}
 
   Status OnApplication(ByteSource& source);
 
  private:
-  Status CopyChain(ByteSource& source);
-
-  const std::string_view label_;
-  const std::string_view fileName_;
-  OutputBuffer data_;
+  const WantedBlob wanted_;
+  OutputBuffer& data_;
   uint32_t* const dataLength_;
 };
 
 Status BlobCopier::OnApplication(ByteSource& source) {
   uint8_t size;
   if (!source.ReadByte(&size)) return kMalformed;
-  // The label is compared with as many bytes as it has, whatever the identifier's size.
+  // The whole wanted label is compared, whatever the size of the identifier.
   const uint64_t start = source.Position();
   bool matches;
-  if (!source.Compare(label_, &matches)) return kMalformed;
+  if (!source.Compare(wanted_.label, &matches)) return kMalformed;
   if (!source.Back(source.Position() - start)) return kBadStream;
   if (!matches || size == 0) return SkipChain(source, size);
   if (!source.Skip(size)) return kBadStream;
   GifSubBlock name;
   if (!ReadSubBlock(source, &name)) return kMalformed;
-  done = BeginsWith(name.Data(), fileName_);
+  done = BeginsWith(name.Data(), wanted_.name);
   if (name.size == 0) return kOk;
-  return done ? CopyChain(source) : SkipChain(source);
-}
-
-Status BlobCopier::CopyChain(ByteSource& source) {
-  uint8_t size;
-  if (!source.ReadByte(&size)) return kMalformed;
-  while (size != 0) {
-    if (Status s = CopyBytes(source, size, data_); s != kOk) return s;
-    *dataLength_ = data_.Size();
-    if (!source.ReadByte(&size)) return kMalformed;
-  }
-  return kOk;
+  return done ? CopyChain(source, data_, dataLength_) : SkipChain(source);
 }
 
 }  // namespace
 
-Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
-                       const char* fileName, uint32_t capacity) {
-  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
-      fileName == nullptr)
-    return kBadArgument;
+Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+                       uint32_t* dataLength) {
   *dataLength = 0;
-  if (strlen(label) > kMaxWanted || strlen(fileName) > kMaxWanted) return kBadArgument;
-  ByteSource source(stream);
+  if (wanted.label.size() > kMaxWanted || wanted.name.size() > kMaxWanted) return kBadArgument;
   GifScreen screen;
   if (Status s = ReadScreen(source, &screen); s != kOk) return s;
   if (!IsEmojiSized(screen)) return kDimensions;
-  BlobCopier copier(label, fileName, OutputBuffer(data, capacity), dataLength);
+  BlobCopier copier(wanted, data, dataLength);
   return WalkGifBlocks(source, screen, copier);
+}
+
+Status CopyFoundBlobFromGif(ByteSource& source, const FoundBlob& blob, OutputBuffer& data) {
+  uint32_t length = 0;
+  if (!source.MoveTo(blob.position)) return kBadStream;
+  return blob.size == 0 ? kOk : CopyChain(source, data, &length);
 }
 
 BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr) {
@@ -184,6 +183,11 @@ int32_t GetSizeApplicationExtensionFromGif(FILE* stream, uint32_t* size, const c
 
 int32_t GetApplicationExtensionDataFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength,
                                            const char* label, const char* fileName) {
-  // The caller's promise is that the file's size is enough.
-  return CopyBlobFromGif(stream, data, dataLength, label, fileName, UINT32_MAX);
+  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
+      fileName == nullptr) {
+    return kBadArgument;
+  }
+  ByteSource source(stream);
+  OutputBuffer room(data, UINT32_MAX);  // The caller promises that data holds the blob.
+  return CopyBlobFromGif(source, {label, fileName}, room, dataLength);
 }

@@ -1,24 +1,28 @@
-// Measures all blobs of a GIF picture at once, and copies one out of it.
+// The blobs of a GIF picture: their sizes, and the bytes of one.
 #ifndef LUMIGRAM_CORE_GIF_GIF_BLOBS_H_
 #define LUMIGRAM_CORE_GIF_GIF_BLOBS_H_
 
 #include <stdint.h>
-#include <stdio.h>
 
 #include "core/base/byte_source.h"
+#include "core/base/output_buffer.h"
 #include "core/base/status.h"
-#include "core/document/kept_blobs.h"
+#include "core/document/blob_entries.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
-// As GetApplicationExtensionDataFromGif(), for data of at most capacity bytes: -99 for a blob that
-// does not fit, as one may that comes from a file that has grown since its size was taken.
-Status CopyBlobFromGif(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
-                       const char* fileName, uint32_t capacity);
+// As GetApplicationExtensionDataFromGif(), from any source, into an empty buffer. Returns kNoRoom
+// for a blob that does not fit: the picture may have grown since the buffer was made.
+Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+                       uint32_t* dataLength);
+
+// Appends the data of a blob that a survey has found. Returns kOk; kBadStream; kMalformed if the
+// picture has become shorter; kNoRoom.
+Status CopyFoundBlobFromGif(ByteSource& source, const FoundBlob& blob, OutputBuffer& data);
 
 // As GetSizeApplicationExtensionFromGif(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the source, which is measured, is not
-// put back.
+// walk. If the walk fails, the result is the count up to there. The source is not put back.
 BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram

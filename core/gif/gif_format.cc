@@ -24,7 +24,7 @@ Status SkipChain(ByteSource& source) {
 }
 
 Status SkipImage(ByteSource& source, const GifImage& image) {
-  // The colour table and the byte that tells the code size.
+  // The colour table and the byte with the code size.
   if (!source.Skip(GetSizeColorTable(image.Packed()))) return kBadStream;
   uint8_t size;
   if (!source.ReadByte(&size) || !source.ReadByte(&size)) return kMalformed;

@@ -1,20 +1,23 @@
-// How a GIF file is laid out, as far as its metadata needs it, and the walk over its blocks.
-// docs/gif.md shows where the metadata lies.
+// The layout of a GIF file, as far as its metadata needs it, and the walk over its blocks.
+// docs/gif.md shows the places of the metadata.
 #ifndef LUMIGRAM_CORE_GIF_GIF_FORMAT_H_
 #define LUMIGRAM_CORE_GIF_GIF_FORMAT_H_
 
 #include <stdint.h>
 
+#include <concepts>
 #include <span>
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
 #include "core/base/output_buffer.h"
 #include "core/base/status.h"
+#include "core/document/reader_outputs.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
-// What a block begins with.
+// The first byte of a block.
 inline constexpr uint8_t kGifExtension = 0x21;  // a label and a chain of sub-blocks follow
 inline constexpr uint8_t kGifImage = 0x2C;
 inline constexpr uint8_t kGifTrailer = 0x3B;
@@ -27,7 +30,7 @@ inline constexpr uint8_t kGifApplication = 0xFF;
 
 inline constexpr uint32_t kMaxSubBlock = 255;
 
-// What a file begins with: signature, logical screen, packed fields of the global colour table.
+// The start of a file: signature, logical screen, packed fields of the global colour table.
 struct GifScreen {
   static constexpr size_t kSignatureSize = 6;
   uint8_t bytes[13];
@@ -36,7 +39,8 @@ struct GifScreen {
   uint8_t Packed() const { return bytes[10]; }
 };
 
-// What follows an image's introducer: place, size, packed fields of the local colour table.
+// An image descriptor after its introducer: position, size, packed fields of the local colour
+// table.
 struct GifImage {
   uint8_t bytes[9];
   uint16_t Width() const { return LoadLe16(bytes + 4); }
@@ -50,37 +54,41 @@ struct GifSubBlock {
   std::string_view Data() const { return {reinterpret_cast<const char*>(bytes), size}; }
 };
 
-// False when the source is short.
+// Reads a size byte and its bytes. False when the source is short.
 [[nodiscard]] bool ReadSubBlock(ByteSource& source, GifSubBlock* block);
 
 // Appends a sub-block of at most 255 bytes; without bytes, a terminator. False when it does not
 // fit.
 [[nodiscard]] bool PutSubBlock(OutputBuffer& out, std::string_view data);
 
-// Whether a screen or an image is small enough to be read.
-template <typename Sized>
-bool IsEmojiSized(const Sized& sized) {
-  return sized.Width() <= kLumigramMaxPixels && sized.Height() <= kLumigramMaxPixels;
-}
-
-// Skips a chain of sub-blocks and its terminator; with a size, that of a first sub-block whose size
-// byte has been read.
+// Skips a chain of sub-blocks and its terminator. The second form begins after the size byte of the
+// first sub-block.
 Status SkipChain(ByteSource& source);
 Status SkipChain(ByteSource& source, uint8_t size);
 
-// Skips what follows an image's descriptor. Image data that claims at least all that is left of the
-// file ends there.
+// Skips the rest of an image after its descriptor. A sub-block that claims all remaining bytes of
+// the file, or more, ends the image data and is not skipped.
 Status SkipImage(ByteSource& source, const GifImage& image);
 
-// What a function that walks a picture's blocks derives from: it hides the hooks it needs.
-// OnComment and OnApplication begin right behind the label and end behind the extension.
-struct GifHandler {
-  bool done = false;  // set by a hook that needs no more of the picture
+// Receives the blocks of a walk. OnComment and OnApplication begin right after the label and
+// consume the whole extension. The walk ends early when done is set. All hooks are required, so
+// that a misspelt one does not compile.
+template <typename T>
+concept GifHandler = requires(T handler, ByteSource& source, const GifImage& image) {
+  { handler.done } -> std::convertible_to<bool>;
+  { handler.OnComment(source) } -> std::same_as<Status>;
+  { handler.OnApplication(source) } -> std::same_as<Status>;
+  { handler.OnImage(image) } -> std::same_as<Status>;
+};
+
+// For handlers that look at application extensions only.
+struct PassesCommentsAndImages {
+  bool done = false;
   Status OnComment(ByteSource& source) { return SkipChain(source); }
   Status OnImage(const GifImage&) { return kOk; }
 };
 
-template <typename Handler>
+template <GifHandler Handler>
 Status WalkGifExtension(ByteSource& source, Handler& handler) {
   uint8_t label;
   if (!source.ReadByte(&label)) return kMalformed;
@@ -93,12 +101,12 @@ Status WalkGifExtension(ByteSource& source, Handler& handler) {
     case kGifGraphicControl:
       return SkipChain(source);
     default:
-      // Not a chain that we know of: what follows is looked through for the next block.
+      // An unknown extension may have no chain: the walk searches the next bytes for a block.
       return kOk;
   }
 }
 
-template <typename Handler>
+template <GifHandler Handler>
 Status WalkGifImage(ByteSource& source, Handler& handler) {
   GifImage image;
   if (!source.Read(image.bytes)) return kMalformed;
@@ -106,11 +114,10 @@ Status WalkGifImage(ByteSource& source, Handler& handler) {
   return SkipImage(source, image);
 }
 
-// Walks from behind the screen up to the trailer, for the functions that only read. Between blocks
-// every byte that begins none is passed over, and the file's last byte, whatever it is, ends the
-// walk; the first byte behind the colour table alone must not be the last, unless it is the
-// trailer.
-template <typename Handler>
+// Walks from the screen up to the trailer, for the functions that only read. Bytes between blocks
+// are skipped. The walk ends at the trailer or at the last byte of the file. Exception: the first
+// byte after the colour table may be the last one only if it is the trailer.
+template <GifHandler Handler>
 Status WalkGifBlocks(ByteSource& source, const GifScreen& screen, Handler& handler) {
   if (!source.Skip(GetSizeColorTable(screen.Packed()))) return kBadStream;
   uint8_t introducer;
@@ -127,8 +134,11 @@ Status WalkGifBlocks(ByteSource& source, const GifScreen& screen, Handler& handl
 }
 
 // As GetXmlStringFromGif(), from any source.
-Status ReadGifDocument(ByteSource& source, char* xmlBuf, int32_t* height, int32_t* width,
-                       int32_t* pop);
+Status ReadGifDocument(ByteSource& source, const ReaderOutputs& out);
+
+// Fills the survey of a picture that the reader accepts, and calls the visitor for each blob.
+// Returns kOk; kMalformed or kBadStream if the walk cannot continue.
+Status SurveyGif(ByteSource& source, Survey* survey, const BlobVisitor& visit);
 
 }  // namespace lumigram
 

@@ -1,10 +1,10 @@
-// The blocks that carry a new document and new blobs.
+// Builds the blocks that carry a new document and new blobs.
 #include <string.h>
 
 #include <algorithm>
 
-#include "core/document/document_format.h"
-#include "core/file/path.h"
+#include "core/base/path.h"
+#include "core/document/blob_entries.h"
 #include "core/gif/gif_format.h"
 #include "core/gif/gif_writer.h"
 
@@ -20,25 +20,24 @@ Status PutText(std::string_view text, OutputBuffer& out) {
   return PutSubBlock(out, {}) ? kOk : kNoRoom;
 }
 
-// Puts as many bytes as the file had when it was measured; none of one that cannot be measured.
+// Appends as many bytes as the file had when it was measured; none if it cannot be measured.
 Status PutFile(const char* path, OutputBuffer& out) {
   const ScopedFile file(OpenForReading(path));
   if (file == nullptr) return kBadBlob;
-  int32_t left = GetFileLength(file.get());
   ByteSource source(file.get());
-  if (left > 0 && !source.Measure()) return kBadBlob;
-  while (left > 0) {
-    const uint32_t size = std::min<uint32_t>(static_cast<uint32_t>(left), kMaxSubBlock);
+  const bool isMeasured = source.Measure();
+  while (isMeasured && source.Remaining() > 0) {
+    const uint64_t size = std::min<uint64_t>(source.Remaining(), kMaxSubBlock);
     if (!out.PutByte(static_cast<uint8_t>(size))) return kNoRoom;
-    if (CopyBytes(source, size, out) != kOk) return kBadBlob;
-    left -= static_cast<int32_t>(size);
+    const Status s = CopyBytes(source, size, out);
+    if (s != kOk) return s == kMalformed ? kBadBlob : s;
   }
   return PutSubBlock(out, {}) ? kOk : kNoRoom;
 }
 
 Status PutBlob(const AppExtEntry& entry, OutputBuffer& out) {
-  // Without a name the block would end where its name is due, and its data would be taken for
-  // blocks.
+  // An empty name is stored as a terminator: the extension would end there, and its data would be
+  // taken for blocks.
   const std::string_view name = TextOf(entry.fileName);
   if (name.empty()) return kBadArgument;
   char label[kBlobLabelSize + 1] = {};
@@ -55,19 +54,13 @@ Status PutBlob(const AppExtEntry& entry, OutputBuffer& out) {
 
 }  // namespace
 
-Status SetMetadataBlocksToGif(const XmlStringInfo* doc, uint32_t* position, uint8_t* out,
-                              const AttrInfo* attr, uint32_t outCapacity) {
-  if (doc == nullptr || position == nullptr || out == nullptr || attr == nullptr)
-    return kBadArgument;
-  if (doc->length > kLumigramMaxDocumentBytes) return kTooLong;
-  OutputBuffer buffer(out, outCapacity, *position);
-  const size_t length = doc->length > 0 ? static_cast<size_t>(doc->length) : 0;
-  if (Status s = PutText({doc->text, length}, buffer); s != kOk) return s;
-  for (const AppExtEntry& entry : attr->appExt) {
+Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out) {
+  if (doc.length > kLumigramMaxDocumentBytes) return kTooLong;
+  if (Status s = PutText({doc.text, static_cast<size_t>(doc.length)}, out); s != kOk) return s;
+  for (const AppExtEntry& entry : attr.appExt) {
     if (!IsNew(entry) || entry.labelName[0] == '\0') continue;
-    if (Status s = PutBlob(entry, buffer); s != kOk) return s;
+    if (Status s = PutBlob(entry, out); s != kOk) return s;
   }
-  *position = buffer.Size();
   return kOk;
 }
 

@@ -15,7 +15,7 @@ constexpr std::string_view kCreatorKey = "Creator=";
 constexpr std::string_view kEmojiIdKey = "EmojiID=";
 constexpr std::string_view kLineEnd = "\r\n";
 
-// Cuts the accepted characters off the beginning of the text; whether there were any.
+// Removes the accepted characters from the start of the text. False when there are none.
 bool TakeValue(std::string_view* text) {
   size_t n = 0;
   while (n < text->size() && IsAcceptPopCommentData(static_cast<uint8_t>((*text)[n])) == kOk) ++n;
@@ -23,7 +23,7 @@ bool TakeValue(std::string_view* text) {
   return n > 0;
 }
 
-// Creator=VALUE, a line end, anything, EmojiID=VALUE up to the end.
+// Whether the text is Creator=VALUE, a line end, any text, EmojiID=VALUE, and ends there.
 bool IsCreatorComment(std::string_view text) {
   text.remove_prefix(kCreatorKey.size());
   if (!TakeValue(&text) || !BeginsWith(text, kLineEnd)) return false;
@@ -34,27 +34,24 @@ bool IsCreatorComment(std::string_view text) {
   return TakeValue(&text) && text.empty();
 }
 
-class DocumentReader : public GifHandler {
+class DocumentReader {
  public:
-  DocumentReader(char* xmlBuf, int32_t* height, int32_t* width, int32_t* pop)
-      : document_(reinterpret_cast<uint8_t*>(xmlBuf), kLumigramMaxDocumentBytes),
-        height_(height),
-        width_(width),
-        pop_(pop) {}
+  const bool done = false;  // The walk never ends early.
+
+  explicit DocumentReader(const ReaderOutputs& out)
+      : out_(out), document_(reinterpret_cast<uint8_t*>(out.document), kLumigramMaxDocumentBytes) {}
 
   Status Read(ByteSource& source);
   Status OnComment(ByteSource& source);
   Status OnApplication(ByteSource& source);
-  Status OnImage(const GifImage& image);
+  Status OnImage(const GifImage& image) const;
 
  private:
-  Status ReadScreen(ByteSource& source, GifScreen* screen);
+  Status ReadScreen(ByteSource& source, GifScreen* screen) const;
   Status TakeSubBlock(std::string_view text);
 
+  const ReaderOutputs out_;
   OutputBuffer document_;
-  int32_t* const height_;
-  int32_t* const width_;
-  int32_t* const pop_;
   bool started_ = false;
   bool complete_ = false;
   bool markerFound_ = false;
@@ -64,34 +61,34 @@ Status DocumentReader::Read(ByteSource& source) {
   GifScreen screen;
   if (Status s = ReadScreen(source, &screen); s != kOk) return s;
   if (Status s = WalkGifBlocks(source, screen, *this); s != kOk) return s;
-  if (!markerFound_) *pop_ = 0;
+  if (!markerFound_) *out_.pop = 0;
   return kOk;
 }
 
-Status DocumentReader::ReadScreen(ByteSource& source, GifScreen* screen) {
+Status DocumentReader::ReadScreen(ByteSource& source, GifScreen* screen) const {
   const std::span<uint8_t> bytes(screen->bytes);
   const std::span<uint8_t> signature = bytes.first(GifScreen::kSignatureSize);
   if (!source.Read(signature)) return kMalformed;
-  if (BeginsWith(signature, kPopSignature)) *pop_ = 1;
+  if (BeginsWith(signature, kPopSignature)) *out_.pop = 1;
   if (!source.Read(bytes.subspan(GifScreen::kSignatureSize))) return kMalformed;
-  *width_ = screen->Width();
-  *height_ = screen->Height();
+  *out_.width = screen->Width();
+  *out_.height = screen->Height();
   return IsEmojiSized(*screen) ? kOk : kDimensions;
 }
 
-Status DocumentReader::OnImage(const GifImage& image) {
+Status DocumentReader::OnImage(const GifImage& image) const {
   if (!IsEmojiSized(image)) return kDimensions;
-  if (image.Height() > *height_) *height_ = image.Height();
-  if (image.Width() > *width_) *width_ = image.Width();
+  if (image.Height() > *out_.height) *out_.height = image.Height();
+  if (image.Width() > *out_.width) *out_.width = image.Width();
   return kOk;
 }
 
-// The pop marker: its identifier, then at least one sub-block with data. The identifier's size is
-// not asked: its bytes decide.
+// The pop marker is its identifier and at least one sub-block with data. The size of the identifier
+// is not checked: its bytes decide.
 Status DocumentReader::OnApplication(ByteSource& source) {
   uint8_t size;
   if (!source.ReadByte(&size)) return kMalformed;
-  if (*pop_ != 1) return SkipChain(source, size);
+  if (*out_.pop != 1) return SkipChain(source, size);
   uint8_t identifier[kPopMarker.size()];
   if (!source.Read(identifier)) return kMalformed;
   if (!BeginsWith(identifier, kPopMarker))
@@ -105,8 +102,8 @@ Status DocumentReader::OnComment(ByteSource& source) {
   GifSubBlock block;
   if (!source.ReadByte(&block.size)) return kMalformed;
   while (block.size != 0) {
-    // Every comment of the file is held to the room that the document leaves, also one that is not
-    // copied, and before it is known whether the file has its bytes.
+    // Each sub-block of every comment must fit into the room that the document leaves, even if it
+    // is not copied. This is checked before the read, so that kTooLong wins over kMalformed.
     if (document_.Size() + block.size > kLumigramMaxDocumentBytes) return kTooLong;
     if (!source.Read({block.bytes, block.size})) return kMalformed;
     if (Status s = TakeSubBlock(block.Data()); s != kOk) return s;
@@ -117,8 +114,8 @@ Status DocumentReader::OnComment(ByteSource& source) {
 }
 
 Status DocumentReader::TakeSubBlock(std::string_view text) {
-  if (BeginsWith(text, kCreatorKey) && *pop_ == 1 && markerFound_ && !IsCreatorComment(text))
-    *pop_ = 0;
+  if (BeginsWith(text, kCreatorKey) && *out_.pop == 1 && markerFound_ && !IsCreatorComment(text))
+    *out_.pop = 0;
   if (complete_ || (!started_ && !BeginsWith(text, kRootStart))) return kOk;
   started_ = true;
   return document_.Put(text) ? kOk : kTooLong;
@@ -126,10 +123,9 @@ Status DocumentReader::TakeSubBlock(std::string_view text) {
 
 }  // namespace
 
-Status ReadGifDocument(ByteSource& source, char* xmlBuf, int32_t* height, int32_t* width,
-                       int32_t* pop) {
+Status ReadGifDocument(ByteSource& source, const ReaderOutputs& out) {
   if (!source.Measure()) return kBadStream;
-  return DocumentReader(xmlBuf, height, width, pop).Read(source);
+  return DocumentReader(out).Read(source);
 }
 
 }  // namespace lumigram
@@ -140,7 +136,7 @@ int32_t GetXmlStringFromGif(FILE* stream, char* xmlBuf, int32_t* height, int32_t
                             int32_t* pop) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
   ByteSource source(stream);
-  return ReadGifDocument(source, xmlBuf, height, width, pop);
+  return ReadGifDocument(source, {xmlBuf, height, width, pop});
 }
 
 int32_t IsAcceptPopCommentData(int32_t byte) {

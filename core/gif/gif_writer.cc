@@ -2,21 +2,22 @@
 
 #include <string_view>
 
+#include "core/document/blob_entries.h"
 #include "core/document/document_format.h"
 #include "core/gif/gif_format.h"
 
 namespace lumigram {
 namespace {
 
-// Copies a picture block by block, up to its trailer. What is not metadata of ours passes through
-// as it is, also what a reader would not understand. Nothing enters the output before its fate is
-// known.
+// Copies a picture block by block, up to its trailer. Everything but our own metadata is copied
+// unchanged, including unknown blocks. Nothing is appended until we know that it will be kept.
 class PictureCopier {
  public:
-  PictureCopier(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr, uint8_t* out,
-                uint32_t capacity);
+  PictureCopier(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+                OutputBuffer& out)
+      : source_(source), doc_(doc), attr_(attr), out_(out), kept_(attr), placed_(doc.length <= 0) {}
 
-  Status Copy(uint32_t* outLength);
+  Status Copy();
 
  private:
   Status CopyScreen();
@@ -26,49 +27,29 @@ class PictureCopier {
   Status CopyApplication();
   Status CopyBlob(const GifSubBlock& identifier);
   Status CopyImage();
-  // The rest of an extension, from its first sub-block or behind it.
+  // Copies the rest of an extension: from its first sub-block on, or with the first one already
+  // read.
   Status CopyChain();
   Status CopyChain(const GifSubBlock& first);
 
   bool PutHead(uint8_t label);
   Status PlaceDocument();
-  bool IsWanted(std::string_view blobName) const;
 
   ByteSource& source_;
   const XmlStringInfo& doc_;
   const AttrInfo& attr_;
-  uint8_t* const data_;
-  const uint32_t capacity_;
-  OutputBuffer out_;
-  bool placed_;  // the new document, or there is none to be placed
-  // The blobs that stay in the picture. Looked up here, not in the record: a picture can hold
-  // hundreds of thousands of blobs.
-  std::string_view keptNames_[kLumigramMaxTags];
-  uint32_t keptCount_ = 0;
+  OutputBuffer& out_;
+  const KeptNames kept_;
+  bool placed_;  // the new document has been appended, or there is none
 };
 
-PictureCopier::PictureCopier(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
-                             uint8_t* out, uint32_t capacity)
-    : source_(source),
-      doc_(doc),
-      attr_(attr),
-      data_(out),
-      capacity_(capacity),
-      out_(out, capacity),
-      placed_(doc.length <= 0) {
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (IsKept(entry)) keptNames_[keptCount_++] = TextOf(entry.fileName);
-  }
-}
-
-Status PictureCopier::Copy(uint32_t* outLength) {
+Status PictureCopier::Copy() {
   if (Status s = CopyScreen(); s != kOk) return s;
   uint8_t introducer;
   do {
     if (!source_.ReadByte(&introducer)) return kMalformed;
     if (Status s = CopyBlock(introducer); s != kOk) return s;
   } while (introducer != kGifTrailer);
-  *outLength = out_.Size();
   return kOk;
 }
 
@@ -103,7 +84,8 @@ Status PictureCopier::CopyExtension() {
   }
 }
 
-// An old document is one by its first sub-block. It makes place for the new one.
+// The first sub-block decides whether a comment is an old document. Old documents are dropped. The
+// new document, unless it is placed already, replaces the first of them.
 Status PictureCopier::CopyComment() {
   GifSubBlock first;
   if (!ReadSubBlock(source_, &first)) return kMalformed;
@@ -127,7 +109,7 @@ Status PictureCopier::CopyApplication() {
 Status PictureCopier::CopyBlob(const GifSubBlock& identifier) {
   GifSubBlock name;
   if (!ReadSubBlock(source_, &name)) return kMalformed;
-  if (!IsWanted(name.Data())) return name.size == 0 ? kOk : SkipChain(source_);
+  if (!kept_.Keep(name.Data())) return name.size == 0 ? kOk : SkipChain(source_);
   if (!PutHead(kGifApplication) || !PutSubBlock(out_, identifier.Data())) return kNoRoom;
   return CopyChain(name);
 }
@@ -139,7 +121,7 @@ Status PictureCopier::CopyImage() {
   GifImage image;
   if (!source_.Read(image.bytes)) return kMalformed;
   if (!out_.PutByte(kGifImage) || !out_.Put(image.bytes)) return kNoRoom;
-  // The colour table and the byte that tells the code size.
+  // The colour table and the byte with the code size.
   if (Status s = CopyBytes(source_, GetSizeColorTable(image.Packed()) + 1, out_); s != kOk)
     return s;
   return CopyChain();
@@ -166,27 +148,14 @@ bool PictureCopier::PutHead(uint8_t label) {
 
 Status PictureCopier::PlaceDocument() {
   placed_ = true;
-  if (!PutHead(kGifComment)) return kNoRoom;
-  uint32_t end = out_.Size();
-  if (Status s = SetMetadataBlocksToGif(&doc_, &end, data_, &attr_, capacity_); s != kOk) return s;
-  (void)out_.Claim(end - out_.Size());  // they stand in the buffer already
-  return kOk;
-}
-
-bool PictureCopier::IsWanted(std::string_view blobName) const {
-  for (uint32_t i = 0; i < keptCount_; ++i) {
-    if (BeginsWith(blobName, keptNames_[i])) return true;
-  }
-  return false;
+  return PutHead(kGifComment) ? SetMetadataBlocksToGif(doc_, attr_, out_) : kNoRoom;
 }
 
 }  // namespace
 
-Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
-                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity) {
-  if (doc == nullptr || out == nullptr || outLength == nullptr || attr == nullptr)
-    return kBadArgument;
-  return PictureCopier(source, *doc, *attr, out, outCapacity).Copy(outLength);
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+                         OutputBuffer& out) {
+  return PictureCopier(source, doc, attr, out).Copy();
 }
 
 }  // namespace lumigram

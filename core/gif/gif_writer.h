@@ -1,24 +1,24 @@
-// Builds, in memory, a GIF picture with a new document and new blobs.
+// Builds a GIF picture with a new document and new blobs in memory.
 #ifndef LUMIGRAM_CORE_GIF_GIF_WRITER_H_
 #define LUMIGRAM_CORE_GIF_GIF_WRITER_H_
 
-#include <stdint.h>
-
 #include "core/base/byte_source.h"
+#include "core/base/output_buffer.h"
 #include "core/base/status.h"
+#include "lumigram.h"
 
 namespace lumigram {
 
-// Copies the picture with a new document and blobs to out, at most outCapacity bytes, and stores
-// its length on success. The source is measured, and is not put back. A doc length of 0 or less
-// writes no document and no new blob.
-Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
-                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity);
+// Appends the picture with the new document and the record's blobs. The source must be measured
+// and at the picture's start; it is not put back. With a document of length 0 or less, no
+// document and no new blob are written. Returns kOk; kMalformed for a truncated picture; kTooLong
+// for a document over 10,240 bytes; kCannotGoBack; kBadBlob; kBadArgument for a new blob without
+// a name; kBadStream; kNoRoom. After a failure out holds a part of the picture.
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+                         OutputBuffer& out);
 
-// Appends, at *position, all of the document comment behind its introducer and label, then the new
-// blobs; advances *position.
-Status SetMetadataBlocksToGif(const XmlStringInfo* doc, uint32_t* position, uint8_t* out,
-                              const AttrInfo* attr, uint32_t outCapacity);
+// Appends the document comment, without its introducer and label, and then the new blobs.
+Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out);
 
 }  // namespace lumigram
 

@@ -1,4 +1,4 @@
-// How metadata sits in a JPEG file (docs/jpeg.md). All integers are big-endian.
+// The layout of metadata in a JPEG file (docs/jpeg.md). All integers are big-endian.
 //
 //   start of image   FF D8
 //   segment          FF, code, length (2, of itself and the data), data
@@ -12,6 +12,8 @@
 
 #include "core/base/byte_source.h"
 #include "core/base/status.h"
+#include "core/document/reader_outputs.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
@@ -23,8 +25,8 @@ inline constexpr uint8_t kComment = 0xFE;
 
 inline constexpr uint32_t kSegmentLengthSize = 2;
 
-// The prefix is 0xFF, but for that of the first marker behind the start of image: it is not looked
-// at, and is carried along as it is.
+// The prefix is 0xFF. Exception: the prefix of the first marker after the start of image is not
+// checked, and is copied unchanged.
 struct Marker {
   uint8_t prefix;
   uint8_t code;
@@ -38,14 +40,18 @@ inline Status ReadFirstMarker(ByteSource& source, Marker* marker) {
   return source.ReadByte(&marker->prefix) && source.ReadByte(&marker->code) ? kOk : kMalformed;
 }
 
-// No fill bytes: what follows the prefix is the code, whatever it is.
+// Fill bytes are not supported: the byte after the prefix is always the code.
 inline Status ReadNextMarker(ByteSource& source, Marker* marker) {
   if (!source.ReadByte(&marker->prefix) || marker->prefix != kMarkerPrefix) return kMalformed;
   return source.ReadByte(&marker->code) ? kOk : kMalformed;
 }
 
 // As GetXmlStringFromJpg(), from any source.
-Status ReadJpegDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width);
+Status ReadJpegDocument(ByteSource& source, const ReaderOutputs& out);
+
+// Fills the survey of a picture that the reader accepts. There are no blobs to visit. Returns kOk;
+// kMalformed or kBadStream if the walk cannot continue.
+Status SurveyJpeg(ByteSource& source, Survey* survey, const BlobVisitor& visit);
 
 }  // namespace lumigram
 

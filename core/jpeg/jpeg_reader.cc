@@ -1,4 +1,4 @@
-// The document and the dimensions of a JPEG picture, from any stream: one that cannot be measured,
+// Reads a JPEG picture's document and dimensions, from any stream: one that cannot be measured,
 // such as a pipe, is read from front to back.
 #include <string.h>
 
@@ -13,15 +13,13 @@ namespace {
 constexpr uint32_t kFrameFieldsSize = 5;
 
 struct Found {
-  char* document;
-  uint32_t* height;
-  uint32_t* width;
+  const ReaderOutputs& out;
   bool hasDocument = false;
   bool hasFrame = false;
 };
 
-// Baseline, extended and progressive frames. Lossless and differential ones are of no use as a
-// small picture, and are passed over like any other segment.
+// Whether it begins a baseline, extended or progressive frame. Lossless and differential frames are
+// not used for small pictures, and are skipped like any other segment.
 bool IsFrameHeader(uint8_t code) {
   return code == 0xC0 || code == 0xC1 || code == 0xC2 || code == 0xC9 || code == 0xCA;
 }
@@ -42,7 +40,7 @@ bool SkipWhole(ByteSource& source, uint32_t n) {
 Status ReadComment(ByteSource& source, Found* found) {
   uint16_t length;
   if (!source.ReadBe16(&length)) return kMalformed;
-  // A length that does not even count itself is refused like one over the limit.
+  // A length that does not count itself is refused like one over the limit.
   if (length < kSegmentLengthSize) return kTooLong;
   const uint32_t size = length - kSegmentLengthSize;
   if (size > kLumigramMaxDocumentBytes) return kTooLong;
@@ -50,7 +48,7 @@ Status ReadComment(ByteSource& source, Found* found) {
   const std::span<uint8_t> read(text, size);
   if (!source.Read(read)) return kMalformed;
   if (!found->hasDocument && BeginsWith(read, kRootStart)) {
-    memcpy(found->document, text, size);
+    memcpy(found->out.document, text, size);
     found->hasDocument = true;
   }
   return kOk;
@@ -63,11 +61,11 @@ Status ReadFrameHeader(ByteSource& source, Found* found) {
       !SkipWhole(source, size - kFrameFieldsSize)) {
     return kMalformed;
   }
-  const uint32_t height = LoadBe16(fields + 1);
-  const uint32_t width = LoadBe16(fields + 3);
+  const int32_t height = LoadBe16(fields + 1);
+  const int32_t width = LoadBe16(fields + 3);
   if (height > kLumigramMaxPixels || width > kLumigramMaxPixels) return kDimensions;
-  *found->height = height;
-  *found->width = width;
+  *found->out.height = height;
+  *found->out.width = width;
   found->hasFrame = true;
   return kOk;
 }
@@ -77,8 +75,8 @@ Status SkipSegment(ByteSource& source) {
   return ReadDataSize(source, &size) && SkipWhole(source, size) ? kOk : kMalformed;
 }
 
-// Of the image data only one thing matters: that an end of image follows. A file that ends with one
-// has one, so its last bytes are looked at before anything in between is read.
+// The image data must contain an end of image; nothing else in them is checked. If the last two
+// bytes of the file are one, the image data need not be read.
 Status FindEndOfImage(ByteSource& source) {
   const uint64_t start = source.Position();
   const uint64_t left = source.Remaining();
@@ -98,7 +96,7 @@ Status ReadSegment(ByteSource& source, uint8_t code, Found* found) {
   return IsFrameHeader(code) ? ReadFrameHeader(source, found) : SkipSegment(source);
 }
 
-// Up to the end of image.
+// Reads all segments up to the end of image.
 Status ReadSegments(ByteSource& source, Found* found) {
   Marker marker;
   if (Status s = ReadFirstMarker(source, &marker); s != kOk) return s;
@@ -112,9 +110,9 @@ Status ReadSegments(ByteSource& source, Found* found) {
 
 }  // namespace
 
-Status ReadJpegDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width) {
-  (void)source.Measure();  // saves reading where it can; nothing depends on it
-  Found found{xmlBuf, height, width};
+Status ReadJpegDocument(ByteSource& source, const ReaderOutputs& out) {
+  (void)source.Measure();  // A measured source reads less; one that is not measured works as well.
+  Found found{out};
   if (Status s = ReadSegments(source, &found); s != kOk) return s;
   return found.hasFrame ? kOk : kNoFrameHeader;
 }
@@ -126,5 +124,6 @@ using namespace lumigram;
 int32_t GetXmlStringFromJpg(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
   ByteSource source(stream);
-  return ReadJpegDocument(source, xmlBuf, height, width);
+  return ReadJpegDocument(source, {xmlBuf, reinterpret_cast<int32_t*>(height),
+                                   reinterpret_cast<int32_t*>(width), nullptr});
 }

@@ -1,11 +1,11 @@
-// A JPEG picture with a new document: everything else is copied as it is, up to the end of image.
+// Copies a JPEG picture segment by segment, up to its end of image. Everything but documents is
+// copied unchanged.
 #include "core/jpeg/jpeg_writer.h"
 
 #include <string.h>
 
 #include <algorithm>
 
-#include "core/base/output_buffer.h"
 #include "core/document/document_format.h"
 #include "core/jpeg/jpeg_format.h"
 
@@ -14,24 +14,19 @@ namespace {
 
 constexpr uint32_t kRootSize = sizeof(kRootStart) - 1;
 
-// A copy under way. documentDue: there is a new document, and it is not written yet.
+// The state of a copy. documentDue: there is a new document, and it has not been appended yet.
 struct Copy {
   ByteSource& source;
   const XmlStringInfo& doc;
+  OutputBuffer& out;
   bool documentDue;
-  uint8_t* out;
-  uint32_t capacity;
-  uint32_t position = 0;
 };
 
-// Appends the bytes of head, then the next n of the source, which is asked first.
+// Appends the bytes of head, then the next n of the source. The source is checked first, so that a
+// truncated picture is never reported as one that does not fit.
 Status Append(Copy& copy, std::span<const uint8_t> head, uint32_t n) {
   if (n > copy.source.Remaining()) return kMalformed;
-  OutputBuffer out(copy.out, copy.capacity, copy.position);
-  if (!out.Put(head)) return kNoRoom;
-  const Status s = CopyBytes(copy.source, n, out);
-  copy.position = out.Size();
-  return s;
+  return copy.out.Put(head) ? CopyBytes(copy.source, n, copy.out) : kNoRoom;
 }
 
 Status PutMarker(Copy& copy, Marker marker) {
@@ -50,15 +45,15 @@ Status CopySegment(Copy& copy, Marker marker) {
 Status PutDocument(Copy& copy, uint8_t prefix) {
   copy.documentDue = false;
   if (Status s = PutMarker(copy, {prefix, kComment}); s != kOk) return s;
-  return SetCommentSegmentToJpg(&copy.doc, &copy.position, copy.out, copy.capacity);
+  return SetCommentSegmentToJpg(copy.doc, copy.out);
 }
 
-// The first document makes room for the new one, if there is one; every other document goes.
+// Old documents are dropped. The new document, if there is one, replaces the first of them.
 Status CopyComment(Copy& copy, Marker marker) {
   ByteSource& source = copy.source;
   uint16_t length;
   if (!source.ReadBe16(&length)) return kMalformed;
-  // The copying refuses a length that does not count itself.
+  // CopySegment() refuses a length that does not count itself.
   const uint32_t size = length < kSegmentLengthSize ? 0 : length - kSegmentLengthSize;
   uint32_t taken = kSegmentLengthSize;
   bool isDocument = false;
@@ -73,8 +68,8 @@ Status CopyComment(Copy& copy, Marker marker) {
   return copy.documentDue ? PutDocument(copy, marker.prefix) : kOk;
 }
 
-// How many bytes there are up to the end of the first end of image; 0 without one.
-size_t FindEndOfImage(std::span<const uint8_t> bytes) {
+// The number of bytes up to and including the first end of image; 0 without one.
+size_t SizeUpToEndOfImage(std::span<const uint8_t> bytes) {
   for (size_t at = 0; at + 1 < bytes.size(); ++at) {
     const void* hit = memchr(bytes.data() + at, kMarkerPrefix, bytes.size() - 1 - at);
     if (hit == nullptr) return 0;
@@ -84,17 +79,18 @@ size_t FindEndOfImage(std::span<const uint8_t> bytes) {
   return 0;
 }
 
-// The image data end with the first end of image. They are read straight to where they belong, as
-// far as there is room, and searched there; room is needed for no more than the data.
+// The image data end with the first end of image. The source is read directly into the output, as
+// far as there is room, and searched there. Only the image data must fit.
 Status CopyImageData(Copy& copy) {
   ByteSource& source = copy.source;
-  const uint64_t room = copy.capacity - copy.position;
-  const size_t read = static_cast<size_t>(std::min(room, source.Remaining()));
-  const std::span<uint8_t> bytes(copy.out + copy.position, read);
+  const std::span<uint8_t> room = copy.out.Room();
+  const size_t read = static_cast<size_t>(std::min<uint64_t>(room.size(), source.Remaining()));
+  const std::span<uint8_t> bytes = room.first(read);
   if (!source.Read(bytes)) return kMalformed;
-  const size_t size = FindEndOfImage(bytes);
-  copy.position += static_cast<uint32_t>(size);
-  if (size > 0) return source.Back(read - size) ? kOk : kBadStream;
+  if (const size_t size = SizeUpToEndOfImage(bytes); size > 0) {
+    copy.out.KeepFirst(size);
+    return source.Back(read - size) ? kOk : kBadStream;
+  }
   const bool isSplit = read > 0 && bytes[read - 1] == kMarkerPrefix;
   if (isSplit && !source.Back(1)) return kBadStream;
   return source.SkipPast(kMarkerPrefix, kEndOfImage) ? kNoRoom : kMalformed;
@@ -125,29 +121,16 @@ Status CopyPicture(Copy& copy) {
 
 }  // namespace
 
-Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
-                         uint32_t* outLength, uint32_t outCapacity) {
-  if (doc == nullptr || out == nullptr || outLength == nullptr) {
-    return kBadArgument;
-  }
-  Copy copy{source, *doc, doc->length > 0, out, outCapacity};
-  if (Status s = CopyPicture(copy); s != kOk) return s;
-  *outLength = copy.position;
-  return kOk;
+Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo& doc, OutputBuffer& out) {
+  Copy copy{source, doc, out, doc.length > 0};
+  return CopyPicture(copy);
 }
 
-Status SetCommentSegmentToJpg(const XmlStringInfo* doc, uint32_t* position, uint8_t* out,
-                              uint32_t outCapacity) {
-  if (doc == nullptr || position == nullptr || out == nullptr || doc->length < 0) {
-    return kBadArgument;
-  }
-  if (doc->length > kLumigramMaxDocumentBytes) return kTooLong;
-  const uint16_t size = static_cast<uint16_t>(doc->length);
+Status SetCommentSegmentToJpg(const XmlStringInfo& doc, OutputBuffer& out) {
+  if (doc.length > kLumigramMaxDocumentBytes) return kTooLong;
+  const uint16_t size = static_cast<uint16_t>(doc.length);
   const uint16_t length = static_cast<uint16_t>(size + kSegmentLengthSize);
-  OutputBuffer buffer(out, outCapacity, *position);
-  if (!buffer.PutBe16(length) || !buffer.Put(std::string_view(doc->text, size))) return kNoRoom;
-  *position = buffer.Size();
-  return kOk;
+  return out.PutBe16(length) && out.Put(std::string_view(doc.text, size)) ? kOk : kNoRoom;
 }
 
 }  // namespace lumigram

@@ -1,24 +1,22 @@
-// Builds, in memory, a JPEG picture with a new document.
+// Builds a JPEG picture with a new document in memory.
 #ifndef LUMIGRAM_CORE_JPEG_JPEG_WRITER_H_
 #define LUMIGRAM_CORE_JPEG_JPEG_WRITER_H_
 
-#include <stdint.h>
-
 #include "core/base/byte_source.h"
+#include "core/base/output_buffer.h"
 #include "core/base/status.h"
+#include "lumigram.h"
 
 namespace lumigram {
 
-// Copies the picture with a new document to out, at most outCapacity bytes, and stores its length
-// on success. The source is measured, and is not put back. A doc length of 0 or less writes no
-// document.
-Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
-                         uint32_t* outLength, uint32_t outCapacity);
+// Appends the picture with the new document. The source must be measured and at the picture's
+// start; it is not put back. With a document of length 0 or less, none is written. Returns kOk;
+// kMalformed for a picture that is damaged or truncated; kTooLong for a document over 10,240
+// bytes; kCannotGoBack; kBadStream; kNoRoom. After a failure out holds a part of the picture.
+Status SetXmlStringToJpg(ByteSource& source, const XmlStringInfo& doc, OutputBuffer& out);
 
-// Appends, at *position, the length and text of the document's comment segment, behind its marker;
-// advances *position.
-Status SetCommentSegmentToJpg(const XmlStringInfo* doc, uint32_t* position, uint8_t* out,
-                              uint32_t outCapacity);
+// Appends length and text of the document's comment segment. The caller has appended its marker.
+Status SetCommentSegmentToJpg(const XmlStringInfo& doc, OutputBuffer& out);
 
 }  // namespace lumigram
 

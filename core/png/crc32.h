@@ -10,7 +10,7 @@
 
 namespace lumigram {
 
-// What each value of a byte does to the rest of the sum.
+// The effect of each byte value on the sum.
 inline constexpr std::array<uint32_t, 256> kCrcTable = [] {
   std::array<uint32_t, 256> table{};
   for (uint32_t byte = 0; byte < 256; ++byte) {

@@ -1,29 +1,23 @@
-// The blobs of a PNG picture: what they take, and one of them.
+// Measures the blobs of a PNG picture, and copies one out of it.
 #include "core/png/png_blobs.h"
 
 #include <string.h>
 
 #include <algorithm>
 
-#include "core/document/document_format.h"
 #include "core/png/png_format.h"
 
 namespace lumigram {
 namespace {
 
-// Longer labels and names than this are not looked for.
+// The longest label or name that a caller may search for.
 constexpr size_t kMaxWantedSize = 65536;
 
 constexpr uint32_t kLabelAndNameLengthSize = kBlobLabelSize + 4;
 
-struct Wanted {
-  std::string_view label;
-  std::string_view name;
-};
-
-// Whether the chunk is a blob of ours and, with a name, the one whose name begins with it. The
-// source is back at the chunk's data afterwards.
-Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
+// Whether the chunk is a blob of ours and, if fileName is given, has a name that begins with it.
+// The source is back at the chunk's data afterwards.
+Status MatchForCount(ByteSource& source, const char* fileName, bool* counted) {
   const uint64_t start = source.Position();
   uint8_t fields[kLabelAndNameLengthSize];
   const std::span<uint8_t> mark(fields, kBlobMark.size());
@@ -36,8 +30,8 @@ Status IsCounted(ByteSource& source, const char* fileName, bool* counted) {
   return source.Back(source.Position() - start) ? kOk : kBadStream;
 }
 
-// Only a chunk that runs past the end of the file can take the sum over 32 bits, and it is the
-// last.
+// The sum exceeds 32 bits only if a chunk runs past the end of the file, and such a chunk is the
+// last one.
 uint32_t AddChunk(uint32_t size, const ChunkHeader& chunk) {
   return static_cast<uint32_t>(uint64_t{size} + kChunkHeaderSize + chunk.length + kChunkCrcSize);
 }
@@ -49,7 +43,7 @@ Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
     if (chunk.type == kEndChunk) return kOk;
     if (chunk.type == kBlobChunk) {
       bool counted;
-      if (Status s = IsCounted(source, fileName, &counted); s != kOk) return s;
+      if (Status s = MatchForCount(source, fileName, &counted); s != kOk) return s;
       if (counted) *size = AddChunk(*size, chunk);
       if (counted && fileName != nullptr) return kOk;
     }
@@ -57,8 +51,8 @@ Status CountBlobs(ByteSource& source, const char* fileName, uint32_t* size) {
   }
 }
 
-// Counts a chunk, if it is a blob of ours. False at the end of the file; else the source is back at
-// the chunk's data.
+// Counts a chunk if it is a blob of ours. The source is back at the chunk's data afterwards; false
+// if the file ends before that.
 bool CountChunk(ByteSource& source, const ChunkHeader& chunk, KeptNames* names, BlobSizes* sizes) {
   const uint64_t start = source.Position();
   uint8_t fields[kLabelAndNameLengthSize];
@@ -76,9 +70,10 @@ bool CountChunk(ByteSource& source, const ChunkHeader& chunk, KeptNames* names, 
   return source.Back(source.Position() - start);
 }
 
-// Whether the chunk is the blob that is wanted. The source then stands at its data length, else
-// back at the chunk's data. A label over 11 bytes is compared with what follows the label, too.
-Status IsWanted(ByteSource& source, const Wanted& wanted, bool* found) {
+// Whether the chunk is the wanted blob. If so, the source is at its data length, else back at the
+// chunk's data. A wanted label over 11 bytes is also compared with the bytes after the stored
+// label.
+Status MatchBlob(ByteSource& source, const WantedBlob& wanted, bool* found) {
   const uint64_t start = source.Position();
   if (!source.Compare(wanted.label, found)) return kMalformed;
   if (!source.Back(source.Position() - start)) return kBadStream;
@@ -90,17 +85,17 @@ Status IsWanted(ByteSource& source, const Wanted& wanted, bool* found) {
   }
   if (!*found) return source.Back(source.Position() - start) ? kOk : kBadStream;
   const uint32_t wantedLength = static_cast<uint32_t>(wanted.name.size());
-  // What the stored name has more than the wanted one lies before the data length.
+  // The stored name may be longer than the wanted one: skip the rest of it.
   return nameLength <= wantedLength || source.Skip(nameLength - wantedLength) ? kOk : kBadStream;
 }
 
-Status FindBlob(ByteSource& source, const Wanted& wanted, bool* found) {
+Status FindBlob(ByteSource& source, const WantedBlob& wanted, bool* found) {
   for (*found = false;;) {
     ChunkHeader chunk;
     if (!ReadChunkHeader(source, &chunk)) return kMalformed;
     if (chunk.type == kEndChunk) return kOk;
     if (chunk.type == kBlobChunk) {
-      if (Status s = IsWanted(source, wanted, found); s != kOk || *found) return s;
+      if (Status s = MatchBlob(source, wanted, found); s != kOk || *found) return s;
     }
     if (!SkipChunkData(source, chunk)) return kBadStream;
   }
@@ -108,31 +103,28 @@ Status FindBlob(ByteSource& source, const Wanted& wanted, bool* found) {
 
 }  // namespace
 
-Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
-                       const char* fileName, uint32_t capacity) {
-  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
-      fileName == nullptr) {
-    return kBadArgument;
-  }
+Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+                       uint32_t* dataLength) {
   *dataLength = 0;
-  const Wanted wanted{label, fileName};
   if (wanted.label.size() > kMaxWantedSize || wanted.name.size() > kMaxWantedSize) {
     return kBadArgument;
   }
-  ByteSource source(stream);
   if (!source.Measure()) return kBadStream;
   PngHead head;
   if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
-  if (head.Width() > kLumigramMaxPixels || head.Height() > kLumigramMaxPixels) return kDimensions;
+  if (!IsEmojiSized(head)) return kDimensions;
   bool found;
   if (Status s = FindBlob(source, wanted, &found); s != kOk || !found) return s;
   uint32_t size;
   if (!source.ReadBe32(&size)) return kMalformed;
   if (size > source.Remaining()) return kBadBlob;
-  if (size > capacity) return kNoRoom;
-  if (!source.Read({data, size})) return kMalformed;
+  if (Status s = CopyBytes(source, size, data); s != kOk) return s;
   *dataLength = size;
   return kOk;
+}
+
+Status CopyFoundBlobFromPng(ByteSource& source, const FoundBlob& blob, OutputBuffer& data) {
+  return source.MoveTo(blob.position) ? CopyBytes(source, blob.size, data) : kBadStream;
 }
 
 BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr) {
@@ -166,5 +158,11 @@ int32_t GetSizeApplicationExtensionFromPng(FILE* stream, uint32_t* size, const c
 
 int32_t GetApplicationExtensionDataFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength,
                                            const char* label, const char* fileName) {
-  return CopyBlobFromPng(stream, data, dataLength, label, fileName, UINT32_MAX);
+  if (stream == nullptr || data == nullptr || dataLength == nullptr || label == nullptr ||
+      fileName == nullptr) {
+    return kBadArgument;
+  }
+  ByteSource source(stream);
+  OutputBuffer room(data, UINT32_MAX);  // The caller promises that data holds the blob.
+  return CopyBlobFromPng(source, {label, fileName}, room, dataLength);
 }

@@ -1,25 +1,30 @@
-// The measuring of all blobs of a PNG picture at once, and the copying of one into a buffer of
-// known size.
+// The blobs of a PNG picture: their sizes, and the bytes of one.
 #ifndef LUMIGRAM_CORE_PNG_PNG_BLOBS_H_
 #define LUMIGRAM_CORE_PNG_PNG_BLOBS_H_
 
 #include <stdint.h>
-#include <stdio.h>
 
 #include "core/base/byte_source.h"
+#include "core/base/output_buffer.h"
 #include "core/base/status.h"
-#include "core/document/kept_blobs.h"
+#include "core/document/blob_entries.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
-// GetApplicationExtensionDataFromPng() with the capacity of data: a picture may grow after a buffer
-// of its size was made. A blob over the capacity is kNoRoom, and nothing of it is copied.
-Status CopyBlobFromPng(FILE* stream, uint8_t* data, uint32_t* dataLength, const char* label,
-                       const char* fileName, uint32_t capacity);
+// As GetApplicationExtensionDataFromPng(), from any source, into an empty buffer. Returns
+// kNoRoom, with nothing copied, for a blob that does not fit: the picture may have grown since
+// the buffer was made.
+Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+                       uint32_t* dataLength);
+
+// Appends the data of a blob that a survey has found. Returns kOk; kBadStream; kMalformed if the
+// picture has become shorter; kNoRoom.
+Status CopyFoundBlobFromPng(ByteSource& source, const FoundBlob& blob, OutputBuffer& data);
 
 // As GetSizeApplicationExtensionFromPng(), for all blobs and for each that the record keeps, in one
-// walk. What a walk that fails has counted so far counts; the source, which is measured, is not
-// put back.
+// walk. If the walk fails, the result is the count up to there. The source must be measured; it is
+// not put back.
 BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr);
 
 }  // namespace lumigram

@@ -1,4 +1,4 @@
-// How metadata sits in a PNG file (docs/png.md). All integers are big-endian.
+// The layout of metadata in a PNG file (docs/png.md). All integers are big-endian.
 //
 //   signature     8
 //   first chunk   25   taken to be the image header: width at 16, height at 20 of the file
@@ -15,16 +15,19 @@
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
-#include "core/document/document_format.h"
+#include "core/base/status.h"
+#include "core/document/blob_entries.h"
+#include "core/document/reader_outputs.h"
+#include "core/document/survey.h"
 
 namespace lumigram {
 
 inline constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1A\n";
 
-// What the signature and the first chunk take together.
+// The size of the signature and the first chunk together.
 inline constexpr uint32_t kPngHeadSize = 33;
 
-// What a chunk takes besides its data, in front of it and behind it.
+// The parts of a chunk besides its data.
 inline constexpr uint32_t kChunkTypeSize = 4;
 inline constexpr uint32_t kChunkHeaderSize = 4 + kChunkTypeSize;
 inline constexpr uint32_t kChunkCrcSize = 4;
@@ -40,12 +43,12 @@ inline constexpr uint32_t kBlobChunk = ChunkType("emJe");
 inline constexpr uint32_t kImageChunk = ChunkType("IDAT");
 inline constexpr uint32_t kEndChunk = ChunkType("IEND");
 
-// What the data of a document's text chunk begin with, and the shortest text behind it that is
-// taken for a document.
+// The data of a document's text chunk begin with this keyword and its NUL. A text after it that is
+// shorter than kMinPngDocument is not a document.
 inline constexpr std::string_view kDocumentKeyword{"Emoji", 6};
 inline constexpr uint32_t kMinPngDocument = 8;
 
-// What a blob's data hold besides its name and its bytes: label, name length, data length.
+// The size of a blob chunk's fields besides name and data: label, name length, data length.
 inline constexpr uint32_t kBlobFieldsSize = kBlobLabelSize + 4 + 4;
 
 struct ChunkHeader {
@@ -57,7 +60,7 @@ struct ChunkHeader {
   return source.ReadBe32(&chunk->length) && source.ReadBe32(&chunk->type);
 }
 
-// Over data and CRC. A length near 2^32 moves to the end of the file, never back.
+// Skips data and CRC. A length near 2^32 moves to the end of the file, never back.
 [[nodiscard]] inline bool SkipChunkData(ByteSource& source, const ChunkHeader& chunk) {
   return source.Skip(uint64_t{chunk.length} + kChunkCrcSize);
 }
@@ -71,7 +74,11 @@ struct PngHead {
 };
 
 // As GetXmlStringFromPng(), from any source.
-Status ReadPngDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width);
+Status ReadPngDocument(ByteSource& source, const ReaderOutputs& out);
+
+// Fills the survey of a picture that the reader accepts, and calls the visitor for each blob.
+// Returns kOk; kMalformed or kBadStream if the walk cannot continue.
+Status SurveyPng(ByteSource& source, Survey* survey, const BlobVisitor& visit);
 
 }  // namespace lumigram
 

@@ -1,4 +1,4 @@
-// The document and the dimensions of a PNG picture.
+// Reads a PNG picture's document and dimensions.
 #include <string.h>
 
 #include "core/base/status.h"
@@ -8,9 +8,9 @@
 namespace lumigram {
 namespace {
 
-// Reads the text of a chunk that has our keyword, and its CRC. A text that is over the limit, or
-// empty, is refused even when the document has been taken already.
-Status ReadDocument(ByteSource& source, uint32_t textSize, char* xmlBuf, bool* taken) {
+// Reads the text of a chunk that has our keyword, and its CRC. A text that is empty or over the
+// limit is refused, even if the document has already been found.
+Status ReadText(ByteSource& source, uint32_t textSize, char* xmlBuf, bool* taken) {
   if (textSize == 0 || textSize > kLumigramMaxDocumentBytes) return kTooLong;
   uint8_t text[kLumigramMaxDocumentBytes + kChunkCrcSize];
   const std::span<uint8_t> read(text, textSize + kChunkCrcSize);
@@ -28,7 +28,7 @@ Status ReadTextChunk(ByteSource& source, const ChunkHeader& chunk, char* xmlBuf,
   if (chunk.length < kDocumentKeyword.size()) return kBadStream;
   const uint32_t textSize = chunk.length - static_cast<uint32_t>(kDocumentKeyword.size());
   if (textSize > source.Remaining()) return kBadStream;
-  if (BeginsWith(keyword, kDocumentKeyword)) return ReadDocument(source, textSize, xmlBuf, taken);
+  if (BeginsWith(keyword, kDocumentKeyword)) return ReadText(source, textSize, xmlBuf, taken);
   return source.Skip(uint64_t{textSize} + kChunkCrcSize) ? kOk : kBadStream;
 }
 
@@ -48,14 +48,14 @@ Status ReadChunks(ByteSource& source, char* xmlBuf) {
 
 }  // namespace
 
-Status ReadPngDocument(ByteSource& source, char* xmlBuf, uint32_t* height, uint32_t* width) {
+Status ReadPngDocument(ByteSource& source, const ReaderOutputs& out) {
   if (!source.Measure()) return kBadStream;
   PngHead head;
   if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
-  *width = head.Width();
-  *height = head.Height();
-  if (*width > kLumigramMaxPixels || *height > kLumigramMaxPixels) return kDimensions;
-  return ReadChunks(source, xmlBuf);
+  *out.width = static_cast<int32_t>(head.Width());
+  *out.height = static_cast<int32_t>(head.Height());
+  if (!IsEmojiSized(head)) return kDimensions;
+  return ReadChunks(source, out.document);
 }
 
 }  // namespace lumigram
@@ -65,5 +65,6 @@ using namespace lumigram;
 int32_t GetXmlStringFromPng(FILE* stream, char* xmlBuf, uint32_t* height, uint32_t* width) {
   if (stream == nullptr || xmlBuf == nullptr) return kBadArgument;
   ByteSource source(stream);
-  return ReadPngDocument(source, xmlBuf, height, width);
+  return ReadPngDocument(source, {xmlBuf, reinterpret_cast<int32_t*>(height),
+                                  reinterpret_cast<int32_t*>(width), nullptr});
 }

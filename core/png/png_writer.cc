@@ -1,26 +1,25 @@
-// A PNG picture with a new document and new blobs: every other chunk is copied as it is, up to the
-// end chunk.
+// Copies a PNG picture chunk by chunk, up to its end chunk. All chunks but documents and blobs are
+// copied unchanged.
 #include "core/png/png_writer.h"
 
-#include "core/base/output_buffer.h"
+#include "core/document/blob_entries.h"
 #include "core/document/document_format.h"
 #include "core/png/png_format.h"
 
 namespace lumigram {
 namespace {
 
-// Longer stored names are refused.
+// A longer stored name is refused.
 constexpr uint32_t kMaxStoredName = 65537;
 
-// A copy under way. documentDue: there is a new document, and it is not written yet.
+// The state of a copy. documentDue: there is a new document, and it has not been appended yet.
 struct Copy {
   ByteSource& source;
   const XmlStringInfo& doc;
-  const AttrInfo* attr;
+  const AttrInfo& attr;
+  OutputBuffer& out;
+  const KeptNames kept;
   bool documentDue;
-  uint8_t* out;
-  uint32_t capacity;
-  uint32_t position = 0;
 };
 
 struct Chunk {
@@ -39,7 +38,7 @@ Status ReadWholeChunk(ByteSource& source, Chunk* chunk) {
   return source.ReadBe32(&chunk->header.type) ? kOk : kMalformed;
 }
 
-// What makes a text chunk the document, for the reader.
+// Whether the reader would take the text chunk for a document.
 Status IsOldDocument(ByteSource& source, const Chunk& chunk, bool* isDocument) {
   uint8_t keyword[kDocumentKeyword.size()];
   uint8_t root[sizeof(kRootStart) - 1];
@@ -54,15 +53,8 @@ Status IsOldDocument(ByteSource& source, const Chunk& chunk, bool* isDocument) {
   return kOk;
 }
 
-bool IsNamed(const AttrInfo& attr, std::span<const uint8_t> storedName) {
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (IsKept(entry) && BeginsWith(storedName, TextOf(entry.fileName))) return true;
-  }
-  return false;
-}
-
-// Of the stored name, no more is read than an entry's name can be long.
-Status IsKeptBlob(ByteSource& source, const AttrInfo* attr, bool* kept) {
+// Reads only as many bytes of the stored name as the name of an entry can have.
+Status IsKeptBlob(ByteSource& source, const KeptNames& names, bool* kept) {
   uint8_t label[kBlobLabelSize];
   if (!source.Read(label)) return kMalformed;
   *kept = false;
@@ -73,35 +65,32 @@ Status IsKeptBlob(ByteSource& source, const AttrInfo* attr, bool* kept) {
   uint8_t name[kLumigramMaxTextBytes];
   const std::span<uint8_t> read(name, nameLength < sizeof(name) ? nameLength : sizeof(name));
   if (!source.Read(read)) return kMalformed;
-  if (attr == nullptr) return kBadArgument;
-  *kept = IsNamed(*attr, read);
+  *kept = names.Keep({reinterpret_cast<const char*>(name), read.size()});
   return kOk;
 }
 
 Status PutMetadata(Copy& copy) {
   if (!copy.documentDue) return kOk;
   copy.documentDue = false;
-  return SetMetadataChunksToPng(&copy.doc, &copy.position, copy.out, copy.attr, copy.capacity);
+  return SetMetadataChunksToPng(copy.doc, copy.attr, copy.out);
 }
 
-// Copies or passes over the chunk, from its first byte on.
+// Copies or skips the whole chunk.
 Status FinishChunk(Copy& copy, const Chunk& chunk, bool kept) {
   const uint64_t taken = copy.source.Position() - chunk.start;
   if (!copy.source.Back(static_cast<uint32_t>(taken))) return kBadStream;
   if (!kept) return copy.source.Skip(chunk.size) ? kOk : kBadStream;
-  OutputBuffer out(copy.out, copy.capacity, copy.position);
-  const Status s = CopyBytes(copy.source, chunk.size, out);
-  copy.position = out.Size();
-  return s;
+  return CopyBytes(copy.source, chunk.size, copy.out);
 }
 
-// The new metadata stand where the first old document stood, or else before the image data.
+// New metadata replace the first old document, or precede the first image data chunk if that comes
+// first.
 Status CopyChunk(Copy& copy, const Chunk& chunk) {
   const uint32_t type = chunk.header.type;
   bool isDocument = false, kept = true;
   Status s = kOk;
   if (type == kTextChunk) s = IsOldDocument(copy.source, chunk, &isDocument);
-  if (type == kBlobChunk) s = IsKeptBlob(copy.source, copy.attr, &kept);
+  if (type == kBlobChunk) s = IsKeptBlob(copy.source, copy.kept, &kept);
   if (s == kOk && (isDocument || type == kImageChunk)) s = PutMetadata(copy);
   return s == kOk ? FinishChunk(copy, chunk, kept && !isDocument) : s;
 }
@@ -109,10 +98,7 @@ Status CopyChunk(Copy& copy, const Chunk& chunk) {
 Status CopyHead(Copy& copy) {
   PngHead head;
   if (!copy.source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
-  OutputBuffer out(copy.out, copy.capacity);
-  if (!out.Put(head.bytes)) return kNoRoom;
-  copy.position = out.Size();
-  return kOk;
+  return copy.out.Put(head.bytes) ? kOk : kNoRoom;
 }
 
 Status CopyPicture(Copy& copy) {
@@ -127,15 +113,10 @@ Status CopyPicture(Copy& copy) {
 
 }  // namespace
 
-Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo* doc, uint8_t* out,
-                         uint32_t* outLength, const AttrInfo* attr, uint32_t outCapacity) {
-  if (doc == nullptr || out == nullptr || outLength == nullptr) {
-    return kBadArgument;
-  }
-  Copy copy{source, *doc, attr, doc->length > 0, out, outCapacity};
-  if (Status s = CopyPicture(copy); s != kOk) return s;
-  *outLength = copy.position;
-  return kOk;
+Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+                         OutputBuffer& out) {
+  Copy copy{source, doc, attr, out, KeptNames(attr), doc.length > 0};
+  return CopyPicture(copy);
 }
 
 }  // namespace lumigram

@@ -1,10 +1,12 @@
-// A picture with new metadata, complete and in memory.
+// Builds a complete picture with new metadata in memory.
 #ifndef LUMIGRAM_CORE_WRITE_BUILD_PICTURE_H_
 #define LUMIGRAM_CORE_WRITE_BUILD_PICTURE_H_
 
 #include <stdint.h>
 
 #include "core/base/byte_source.h"
+#include "core/base/kind.h"
+#include "core/base/output_buffer.h"
 #include "core/base/scoped.h"
 #include "core/base/status.h"
 
@@ -16,10 +18,14 @@ struct NewPicture {
 };
 
 // Builds the new picture from the source, whatever its position, the document and the record's
-// blobs. Knows no target. A document of length 0 removes document and, but for those that the
-// record keeps, blobs. The source is not put back.
-Status BuildPicture(ByteSource& source, FileType fileType, const XmlStringInfo& document,
+// blobs. With a document of length 0, the new picture has no document and no new blobs; it has the
+// blobs that the record keeps. The source is not put back.
+Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
                     const AttrInfo& attr, NewPicture* picture);
+
+// The same, into an empty buffer of the caller. Returns kNoRoom for a picture that does not fit.
+Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
+                    const AttrInfo& attr, OutputBuffer& picture);
 
 }  // namespace lumigram
 

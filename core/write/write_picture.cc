@@ -1,17 +1,19 @@
-// The document, the new picture in memory, the file.
+// Builds the document, builds the new picture in memory, and replaces the file.
 #include "core/write/write_picture.h"
 
-#include "core/file/replace_file.h"
+#include "core/document/document_builder.h"
 #include "core/write/build_picture.h"
-#include "core/write/document_builder.h"
+#include "core/write/replace_file.h"
 
 namespace lumigram {
 
 Status WritePicture(ByteSource& source, const char* path, const AttrInfo& attr, FileType fileType) {
   XmlStringInfo document;
   if (Status s = BuildDocument(attr, &document); s != kOk) return s;
+  const std::optional<Kind> kind = KindOf(fileType);
+  if (!kind) return kBadArgument;
   NewPicture picture;
-  if (Status s = BuildPicture(source, fileType, document, attr, &picture); s != kOk) return s;
+  if (Status s = BuildPicture(source, *kind, document, attr, &picture); s != kOk) return s;
   return ReplaceFile(path, {picture.bytes.get(), picture.length});
 }
 

@@ -1,4 +1,4 @@
-// A record written into a picture.
+// Writes a record into a picture.
 #ifndef LUMIGRAM_CORE_WRITE_WRITE_PICTURE_H_
 #define LUMIGRAM_CORE_WRITE_WRITE_PICTURE_H_
 

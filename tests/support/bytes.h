@@ -36,17 +36,17 @@ inline Bytes FirstOf(const Bytes& bytes, size_t n) {
   return Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(n));
 }
 
-// How a stream over bytes in memory is opened: both kinds must give the same results.
+// The modes of a stream over bytes in memory. Both must give the same results.
 enum class Opened {
-  kForReading,  // as OpenFile does: a regular file, read in blocks past the stream
-  kForUpdate,   // read through stdio
+  kForReading,  // as OpenFile() opens it: a regular file, which is read in blocks
+  kForUpdate,   // it is read through stdio
 };
 inline constexpr Opened kBothWays[] = {Opened::kForReading, Opened::kForUpdate};
 
 // A stream over a copy of the bytes, at their start.
 ScopedFile Stream(const Bytes& bytes, Opened opened = Opened::kForReading);
 
-// A folder of its own for the test, removed with all it holds at the end of the scope.
+// A new temporary folder, removed with its contents at the end of the scope.
 class TempFolder {
  public:
   TempFolder();
@@ -64,20 +64,17 @@ class TempFolder {
 
 Bytes ReadWhole(const std::string& path);
 
-// Documents and their elements, right or wrong as told. Not inlined: GCC 12 would warn of texts
-// that overlap, which they cannot. The shortest document that all containers take, or one of the
-// size.
-[[gnu::noinline]] inline std::string Document(size_t size = 8) {
-  return "<emoji>" + std::string(size - 7, '.');
-}
+// Documents and their elements, valid or not. Document() returns one of the given size; the default
+// is the shortest one that all containers accept.
+inline std::string Document(size_t size = 8) { return "<emoji>" + std::string(size - 7, '.'); }
 
-[[gnu::noinline]] inline std::string Tag(const std::string& name, const std::string& content) {
+inline std::string Tag(const std::string& name, const std::string& content) {
   return "<tags name=\"" + name + "\">" + content + "</tags>";
 }
-[[gnu::noinline]] inline std::string Label(const std::string& name, const std::string& more = "") {
+inline std::string Label(const std::string& name, const std::string& more = "") {
   return "<label><name>" + name + "</name>" + more + "</label>";
 }
-[[gnu::noinline]] inline std::string Repeat(const std::string& text, size_t n) {
+inline std::string Repeat(const std::string& text, size_t n) {
   std::string all;
   while (n-- > 0) all += text;
   return all;

@@ -54,7 +54,7 @@ int InChild(const std::function<int()>& run) {
   return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-// The names are those that calls have where file offsets are asked to have 64 bits.
+// With _FILE_OFFSET_BITS=64, calls have these names.
 extern "C" {
 #define WRAP(type, failure, name, parameters, arguments) \
   type __real_##name parameters;                         \
@@ -62,7 +62,7 @@ extern "C" {
 void* __real_malloc(size_t n);
 void* __wrap_malloc(size_t n) {
   void* const block = Fails("malloc") ? nullptr : __real_malloc(n);
-  return block == nullptr ? nullptr : memset(block, 0xA5, n);  // as old as any: nothing is cleared
+  return block == nullptr ? nullptr : memset(block, 0xA5, n);  // so that no test relies on zeros
 }
 WRAP(void*, nullptr, calloc, (size_t n, size_t size), (n, size))
 WRAP(int, -1, open64, (const char* path, int how, mode_t mode), (Take(path), how, mode))

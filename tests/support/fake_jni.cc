@@ -8,7 +8,7 @@
 namespace lumigram::test {
 namespace {
 
-FakeJni* vm;  // the one of the running test
+FakeJni* vm;  // of the running test
 
 const std::map<char, std::string> kSignatures = {
     {'J', "J"}, {'B', "[B"}, {'S', "Ljava/lang/String;"}, {'A', "[Ljava/lang/String;"}};
@@ -74,7 +74,7 @@ jobject FakeJni::NewRef(JavaObject* object) {
 
 JavaObject* FakeJni::At(jobject ref) {
   JavaObject* object = refs_.at(reinterpret_cast<size_t>(ref) - 1);
-  EXPECT_NE(object, nullptr) << "a released reference";
+  EXPECT_NE(object, nullptr) << "use of a released reference";
   return object;
 }
 
@@ -94,7 +94,7 @@ bool FakeJni::Fails(const char* function) {
 void FakeJni::CheckAllIsGivenBack() const {
   const auto isHeld = [](const JavaObject* object) { return object != nullptr; };
   EXPECT_EQ(std::count_if(refs_.begin(), refs_.end(), isHeld), arguments_);
-  EXPECT_LE(std::ssize(refs_), arguments_ + 16) << "more references at a time than are promised";
+  EXPECT_LE(std::ssize(refs_), arguments_ + 16) << "more references than JNI promises";
   EXPECT_TRUE(lent_.empty());
   EXPECT_FALSE(pending_);
 }
@@ -121,10 +121,10 @@ JavaObject*& FakeJni::FieldOf(jobject object, jfieldID id, bool isNumber) {
   return At(object)->fields[field.first];
 }
 
-// Puts a function that may fail into the table: null or 0 and an exception.
+// Puts a function into the table that may fail, with null or 0 and an exception.
 template <typename Result, typename... Arguments, typename Function>
 void FakeJni::MayFail(const char* name, Result (*&entry)(JNIEnv*, Arguments...), Function) {
-  static const char* itsName;  // of this function alone: each has a type of its own
+  static const char* itsName;  // one variable for each function, because each has its own type
   itsName = name;
   entry = [](JNIEnv*, Arguments... arguments) -> Result {
     return vm->Fails(itsName) ? Result() : Result(Function()(arguments...));
@@ -145,7 +145,7 @@ FakeJni::FakeJni() {
   };
   table_.ReleaseStringUTFChars = [](JNIEnv*, jstring string, const char* text) {
     EXPECT_EQ(vm->lent_.erase(text), 1u);
-    EXPECT_EQ(vm->At(string)->text, text) << "it goes before its reference";
+    EXPECT_EQ(vm->At(string)->text, text) << "released after its reference";
     delete[] text;
   };
   table_.ReleaseByteArrayElements = [](JNIEnv*, jbyteArray array, jbyte* bytes, jint mode) {
@@ -166,7 +166,7 @@ FakeJni::FakeJni() {
     vm->FieldOf(object, id, true) = vm->String(std::to_string(value));
   };
 
-  // May fail, some of them oftener than JNI says.
+  // May fail here, even those that cannot fail in JNI.
   MAY_FAIL(GetObjectClass, [](jobject object) {
     return vm->NewRef(const_cast<JavaObject*>(vm->At(object)->type));
   });

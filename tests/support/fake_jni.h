@@ -1,5 +1,6 @@
-// A function table for native methods over a small object model of our own. It counts what it
-// lends, fails on demand, and fails the test for a use that a virtual machine would not survive.
+// A function table for native methods, with a small object model of our own. It tracks references
+// and borrowed memory, fails on demand, and fails the test for calls that could crash a virtual
+// machine.
 #ifndef LUMIGRAM_TESTS_SUPPORT_FAKE_JNI_H_
 #define LUMIGRAM_TESTS_SUPPORT_FAKE_JNI_H_
 
@@ -23,9 +24,9 @@ struct JavaObject {
   std::map<std::string, std::string> signatures = {};  // of a class: those of its fields
 };
 
-// The values of an object's fields by name, each with its kind in front: "J-7", "Stext" (a string),
-// "B1|2" (an array of bytes), "Aa|b*3|-" (an array of strings: b three times, and a null one). With
-// "~" behind the kind it is null.
+// The values of an object's fields by name. Each value begins with its kind: "J-7" (a number),
+// "Stext" (a string), "B1|2" (an array of bytes), "Aa|b*3|-" (an array of strings: a, b three
+// times, null). A "~" after the kind is a null reference.
 using Values = std::map<std::string, std::string>;
 
 class FakeJni {
@@ -36,22 +37,22 @@ class FakeJni {
 
   JavaObject* Make(JavaObject object = {});
   JavaObject* String(std::string_view text) { return Make({.text = std::string(text)}); }
-  // An object with these fields; those with the same fields are of one class.
+  // An object with these fields. Objects with the same fields have the same class.
   JavaObject* Object(const Values& values);
   // Whether the object's fields hold these values.
   bool Holds(const JavaObject* object, const Values& values);
 
-  // A reference for an argument; null for null. It stays the caller's.
+  // A reference for an argument; null for null. The native method must not release it.
   template <typename T>
   T Argument(JavaObject* object) {
     if (object != nullptr) ++arguments_;
     return static_cast<T>(NewRef(object));
   }
-  JavaObject* At(jobject ref);  // what it stands for
+  JavaObject* At(jobject ref);  // the object of a reference
 
-  // Runs the call with its first fallible JNI call failing, then with its second, and so on until
-  // none fails. Each time it must have given back all that was lent to it and left no exception.
-  // check() sees the name of the function that failed, the last time none.
+  // Runs the call while its first fallible JNI call fails, then its second one, and so on until
+  // none fails. Each time it must release all references and memory, and leave no exception
+  // pending. check() gets the name of the function that failed; at the end an empty name.
   void FailEach(const std::function<void()>& call,
                 const std::function<void(const std::string& failed)>& check);
 

@@ -1,4 +1,4 @@
-// Pieces of GIF files, to be put together with "+". They write what they are told, right or wrong.
+// Builders for pieces of GIF files, which "+" joins. They accept valid and invalid values.
 #ifndef LUMIGRAM_TESTS_SUPPORT_GIF_BUILDER_H_
 #define LUMIGRAM_TESTS_SUPPORT_GIF_BUILDER_H_
 
@@ -8,7 +8,7 @@
 
 namespace lumigram::test {
 
-// Colour tables are full of trailers: a walk that gets their size wrong ends early.
+// Colour tables consist of trailers: a walk with a wrong size of a table ends early.
 inline Bytes GifColorTable(uint8_t packed) {
   return Bytes(packed & 0x80 ? 3u << ((packed & 7) + 1) : 0, 0x3B);
 }
@@ -21,7 +21,7 @@ inline Bytes GifScreen(uint32_t width = 100, uint32_t height = 80,
 
 inline Bytes GifSubBlock(const Bytes& data) { return Bytes{uint8_t(data.size())} + data; }
 
-// The bytes in sub-blocks of `step`, and the terminator.
+// The bytes in sub-blocks of `step` bytes, and the terminator.
 inline Bytes GifChain(const Bytes& data, size_t step = 255) {
   Bytes chain;
   for (size_t at = 0; at < data.size(); at += step)

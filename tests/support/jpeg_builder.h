@@ -1,4 +1,4 @@
-// Pieces of JPEG files, to be put together with "+". They write what they are told, right or wrong.
+// Builders for pieces of JPEG files, which "+" joins. They accept valid and invalid values.
 #ifndef LUMIGRAM_TESTS_SUPPORT_JPEG_BUILDER_H_
 #define LUMIGRAM_TESTS_SUPPORT_JPEG_BUILDER_H_
 
@@ -20,7 +20,7 @@ inline Bytes JpegFrame(uint32_t width = 32, uint32_t height = 16, uint8_t code =
   return JpegSegment(code, Bytes{8} + Be16(height) + Be16(width) + Bytes{1, 1, 0x11, 0});
 }
 
-// Image data hold an escaped FF, a restart marker, and an FF right before the end that follows.
+// The image data have an escaped FF, a restart marker, D9 without FF, and FF as the last byte.
 inline const Bytes kJpegScan =
     JpegSegment(0xDA, {1, 1, 0, 0, 63, 0}) + Bytes{5, 0xFF, 0, 6, 0xFF, 0xD0, 0xD9, 0xFF};
 

@@ -1,10 +1,10 @@
-// Whole operations on pictures: bytes in; status and outputs out.
+// Checks of whole operations on pictures: bytes in, status and outputs out.
 #ifndef LUMIGRAM_TESTS_SUPPORT_PICTURE_CHECKS_H_
 #define LUMIGRAM_TESTS_SUPPORT_PICTURE_CHECKS_H_
 
 #include <gtest/gtest.h>
 
-#include "core/base/byte_source.h"
+#include "core/base/output_buffer.h"
 #include "lumigram.h"
 #include "tests/support/bytes.h"
 
@@ -25,7 +25,7 @@ inline void CheckReader(const char* what, Reader read, const Bytes& picture, int
   }
 }
 
-// The blobs of a record, from entry `first` on: label, name, URI.
+// A record with blob entries (label, name, URI), from entry `first` on.
 inline AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_t first = 0) {
   AttrInfo attr = {};
   AppExtEntry* entry = &attr.appExt[first];
@@ -37,27 +37,28 @@ inline AttrInfo With(const std::vector<std::array<std::string, 3>>& blobs, size_
   return attr;
 }
 
-// A new picture fits room of exactly its size, and no smaller room.
+// Checks a writer. The new picture must fit a buffer of exactly its size, and no smaller one.
 template <typename Writer, typename... Record>
 void CheckWriter(const char* what, Writer write, const Bytes& picture, std::string_view text,
-                 int32_t status, const Bytes& want, Record... record) {
+                 int32_t status, const Bytes& want, const Record&... record) {
   SCOPED_TRACE(what);
   XmlStringInfo doc{static_cast<int32_t>(text.size()), {}};
   text.copy(doc.text, sizeof(doc.text));
   for (Opened opened : kBothWays) {
     const ScopedFile stream = Stream(picture, opened);
     Bytes out(status == 0 ? want.size() : picture.size() + 20000);
-    uint32_t length = 7, room = uint32_t(out.size());
+    uint32_t size = uint32_t(out.size());
     ByteSource source(stream.get());
+    OutputBuffer room(out.data(), size);
     ASSERT_TRUE(source.Measure());
-    EXPECT_EQ(write(source, &doc, out.data(), &length, record..., room), status);
-    EXPECT_EQ(length, status == 0 ? room : 7);
-    EXPECT_TRUE(status != 0 || out == want);
-    while (status == 0 && room > 0) {
-      room -= 1 + room / 200;
-      Bytes less(room);
+    EXPECT_EQ(write(source, doc, record..., room), status);
+    EXPECT_TRUE(status != 0 || (room.Size() == size && out == want));
+    while (status == 0 && size > 0) {
+      size -= 1 + size / 200;
+      Bytes less(size);
+      OutputBuffer lessRoom(less.data(), size);
       ASSERT_TRUE(source.Rewind());
-      EXPECT_EQ(write(source, &doc, less.data(), &length, record..., room), -99);
+      EXPECT_EQ(write(source, doc, record..., lessRoom), -99);
     }
   }
 }

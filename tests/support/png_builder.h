@@ -1,4 +1,4 @@
-// Pieces of PNG files, to be put together with "+". They write what they are told, right or wrong.
+// Builders for pieces of PNG files, which "+" joins. They accept valid and invalid values.
 #ifndef LUMIGRAM_TESTS_SUPPORT_PNG_BUILDER_H_
 #define LUMIGRAM_TESTS_SUPPORT_PNG_BUILDER_H_
 
@@ -6,7 +6,7 @@
 
 namespace lumigram::test {
 
-// Bit by bit: slow, and nothing like the product's table.
+// Computed bit by bit, independently of the product's table.
 inline uint32_t Crc(const Bytes& bytes) {
   uint32_t crc = ~0u;
   for (uint8_t byte : bytes) {
@@ -31,7 +31,7 @@ inline Bytes PngStart(uint32_t width = 32, uint32_t height = 16) {
 }
 inline const Bytes kPngImage = PngChunk("IDAT", Text("pixels"));
 inline const Bytes kPngEnd = PngChunk("IEND", {});
-// Claims 2^32 - 4 bytes: in 32 bits, a skip over them and the CRC would go nowhere.
+// Claims 2^32 - 4 bytes: in 32 bits, a skip over data and CRC would not move.
 inline const Bytes kPngHuge = FirstOf(PngChunkClaiming(0u - 4, "abCd", {}), 8);
 
 inline Bytes PngDocument(std::string_view text) {

@@ -1,4 +1,5 @@
-# For the scripts beside: compares lists of lines, and counts what differs.
+# shellcheck shell=bash
+# For the scripts in tests/: compares lists of lines, and counts the differences.
 failures=0
 
 # same NAME WANTED GOT: two lists of lines

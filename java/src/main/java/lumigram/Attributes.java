@@ -10,12 +10,20 @@ import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramAttrUpdate;
 import lumigram.jni.LumigramJni;
 
-/** The way between metadata and the objects that the native side fills and reads. */
+/** Converts metadata from and to the objects that the native side fills and reads. */
 final class Attributes {
   private static final int GROUP_SIZE = 10;
 
   private Attributes() {}
 
+  /**
+   * Makes metadata of what the native side has stored. When it has stored tag names without
+   * contents, the contents are looked up in the file.
+   *
+   * @param file the picture's file
+   * @param attr an object that reading the file has filled
+   * @return the metadata, with the file as its origin
+   */
   static PictureInfo toInfo(File file, LumigramAttrInfo attr) {
     List<Label> labels = new ArrayList<>();
     for (int i = 0; i < attr.mName.length && attr.mName[i] != null; i++) {
@@ -31,9 +39,9 @@ final class Attributes {
   }
 
   /**
-   * The tags. Names are stored when the first name is not empty, and contents when the first
-   * content is not: without the names nothing can be made of the contents, but not the other way
-   * round.
+   * The native side stores the names unless the first name is empty, and the contents unless the
+   * first content is empty. Contents without names are of no use; for names without contents, each
+   * group can still be looked up.
    */
   private static List<Tag> tagsOf(File file, LumigramAttrInfo attr) {
     if (attr.mTagsName[0] == null) return Collections.emptyList();
@@ -50,8 +58,8 @@ final class Attributes {
   }
 
   /**
-   * The tags whose contents can be had by looking up each group. A lookup ends before an empty
-   * content; so the one that it lacks first is empty, and those behind that are not known.
+   * The tags whose contents can be found by looking up each group. A lookup ends at an empty
+   * content, so the first content that it lacks is empty, and those after it are not known.
    */
   private static List<Tag> tagsByLookup(File file, String[] names) {
     Map<String, List<String>> found = new HashMap<>();
@@ -71,13 +79,13 @@ final class Attributes {
     return tags;
   }
 
-  /** The contents of a group, with the empty one before which a lookup ends. */
+  /** The contents of a group, including the empty one at which the lookup ended. */
   private static List<String> lookUp(File file, String name) {
     String[] results = new String[GROUP_SIZE];
     List<String> contents = new ArrayList<>();
     if (LumigramJni.getLumigramTagInfo(file.getPath(), name, results) != 0) return contents;
     for (String content : results) {
-      // A name that is stored otherwise than Java spells it is not found; that is not "empty".
+      // The picture may hold the name in other bytes; then nothing is found, whatever it contains.
       if (content.isEmpty() && ModifiedUtf8.mayBeSpelledOtherwise(name)) break;
       contents.add(content);
       if (content.isEmpty()) break;
@@ -85,6 +93,12 @@ final class Attributes {
     return contents;
   }
 
+  /**
+   * Makes the object from which the native side writes.
+   *
+   * @param info metadata within the limits
+   * @return a new object
+   */
   static LumigramAttrUpdate toUpdate(PictureInfo info) {
     LumigramAttrUpdate update = new LumigramAttrUpdate();
     for (int i = 0; i < info.labels().size(); i++) {

@@ -9,7 +9,7 @@ public final class Label {
   private final PartOfSpeech part;
 
   /**
-   * A label.
+   * Makes a label.
    *
    * @param name its name: not empty, at most 24 characters and 256 bytes (see {@link PictureInfo})
    * @param note its note, within the same limits; empty for none
@@ -48,10 +48,10 @@ public final class Label {
     return Objects.hash(name, note, part);
   }
 
-  /** The label for people to read. */
+  /** {@return the label as text for people to read} */
   @Override
   public String toString() {
     return name + (note.isEmpty() ? "" : " (" + note + ")")
-        + (part == PartOfSpeech.NONE ? "" : " [" + part.storedName() + "]");
+        + (part == PartOfSpeech.NONE ? "" : " [" + part.englishName() + "]");
   }
 }

@@ -1,15 +1,27 @@
 package lumigram;
 
-/** Texts as the virtual machine hands them to the native side, which is how pictures store them. */
+/**
+ * Java's modified UTF-8: the form in which the virtual machine passes texts to the native side, and
+ * in which pictures store them.
+ */
 final class ModifiedUtf8 {
   private ModifiedUtf8() {}
 
-  /** The number of bytes. */
+  /**
+   * {@return the number of bytes of a text}
+   *
+   * @param text any text
+   */
   static int bytes(String text) {
     return encode(text).length();
   }
 
-  /** The number of characters that the limit of 24 counts: all but control characters. */
+  /**
+   * {@return the number of characters of a text as the limit of 24 counts them: control characters
+   * do not count, except U+0000, which is stored as two bytes that are no control characters}
+   *
+   * @param text any text
+   */
   static int characters(String text) {
     int count = 0;
     for (char c : text.toCharArray()) {
@@ -18,7 +30,11 @@ final class ModifiedUtf8 {
     return count;
   }
 
-  /** The bytes, as characters up to U+00FF. */
+  /**
+   * {@return the bytes of a text, each as a character up to U+00FF}
+   *
+   * @param text any text
+   */
   static String encode(String text) {
     StringBuilder bytes = new StringBuilder(text.length());
     for (char c : text.toCharArray()) {
@@ -35,12 +51,22 @@ final class ModifiedUtf8 {
     return bytes.toString();
   }
 
-  /** Whether a picture may hold other bytes than these for what was read as this text. */
+  /**
+   * {@return whether a text that was read may be stored in other bytes than those of {@link
+   * #encode}: U+FFFD replaces invalid bytes, and a character outside the basic plane may be stored
+   * as 4 bytes}
+   *
+   * @param text a text that was read
+   */
   static boolean mayBeSpelledOtherwise(String text) {
     return text.indexOf('\uFFFD') >= 0 || text.codePointCount(0, text.length()) < text.length();
   }
 
-  /** Whether a surrogate stands without its other half. */
+  /**
+   * {@return whether a surrogate in the text lacks its other half}
+   *
+   * @param text any text
+   */
   static boolean hasLoneSurrogate(String text) {
     for (int i = 0; i < text.length(); i++) {
       int codePoint = text.codePointAt(i);

@@ -11,10 +11,10 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Where metadata was read, and how much of it there was. Reading does not tell everything that a
- * picture carries, and a write would take the rest away; so before one, the whole file is searched
- * for elements and blobs. It may find some that are none, in another program's texts: then a write
- * is refused that would do no harm, which is the better mistake.
+ * The file from which metadata was read, and that metadata. Reading leaves out some of what a
+ * picture may carry, and a write would remove it; so before a write the whole file is searched for
+ * elements and blobs. The search may take another program's texts for elements. Then a harmless
+ * write is refused, which is better than a loss.
  */
 final class Origin {
   private static final Pattern LABEL = element("label");
@@ -23,30 +23,46 @@ final class Origin {
   private static final Pattern CATEGORY = element("category");
   private static final Pattern TYPE = element("type");
 
-  /** A label of the size that stands before it, then name size in one byte, and name. */
+  /** An extension: label size in one byte, label, name size in one byte, name. */
   private static final Pattern GIF_BLOB = Pattern.compile("!\u00FF(.)(?=EMJ)", Pattern.DOTALL);
 
-  /** A label, name size in four bytes, and name. */
+  /** A chunk: label of 11 bytes, name size in four bytes, name. */
   private static final Pattern PNG_BLOB = Pattern.compile("emJe(.{11})", Pattern.DOTALL);
 
   private final File file;
-  private final PictureInfo told;
+  private final PictureInfo info;
 
-  /** What reading the file told. */
-  Origin(File file, PictureInfo told) {
+  /**
+   * Remembers what was read.
+   *
+   * @param file the file that was read
+   * @param info the metadata that was read from it
+   */
+  Origin(File file, PictureInfo info) {
     this.file = file;
-    this.told = told;
+    this.info = info;
   }
 
-  /** Whether one of the tags that were read refers to a blob of this name. */
-  boolean names(String blobName) {
-    for (Tag tag : told.tags()) {
+  /**
+   * {@return whether one of the tags that were read refers to a blob of this name}
+   *
+   * @param blobName the blob's name
+   */
+  boolean refersToBlob(String blobName) {
+    for (Tag tag : info.tags()) {
       if (blobName.equals(tag.blobName())) return true;
     }
     return false;
   }
 
-  /** Makes sure that the picture is the one that was read, and carries no more than was read. */
+  /**
+   * Checks, before a write, that the picture is the one that was read, and that it carries no more
+   * than was read.
+   *
+   * @param target the picture that is to be written
+   * @param kind its kind
+   * @throws PictureException when it is another file, cannot be read, or carries more
+   */
   void check(File target, Kind kind) throws PictureException {
     boolean same;
     String raw;
@@ -57,14 +73,12 @@ final class Origin {
       throw new PictureException(target, Status.CANNOT_OPEN);
     }
     if (!same) {
-      throw new PictureException(
-          target, Status.UNREAD,
+      throw new PictureException(target, Status.UNREAD,
           "The metadata was read from another file, " + file + ", and asNew() not called");
     }
     List<String> unread = unread(raw, kind);
     if (!unread.isEmpty()) {
-      throw new PictureException(
-          target, Status.UNREAD,
+      throw new PictureException(target, Status.UNREAD,
           Status.UNREAD.sentence() + " and writing would keep: " + unread
               + "; metadata from PictureInfo.empty() or asNew() is written all the same");
     }
@@ -72,7 +86,7 @@ final class Origin {
 
   private List<String> unread(String raw, Kind kind) {
     List<String> unread = new ArrayList<>();
-    String document = ModifiedUtf8.encode(told.document());
+    String document = ModifiedUtf8.encode(info.document());
     addMore(unread, "labels", LABEL, raw, document);
     addMore(unread, "parts of speech", PART, raw, document);
     addMore(unread, "categories", CATEGORY, raw, document);
@@ -82,7 +96,7 @@ final class Origin {
     return unread;
   }
 
-  /** What lacks its start or its end is one more, too. */
+  /** An element that lacks its start tag or its end tag counts as one, so halves round up. */
   private static void addMore(
       List<String> unread, String what, Pattern pattern, String raw, String document) {
     int more = count(pattern, raw) - count(pattern, document);
@@ -90,8 +104,9 @@ final class Origin {
   }
 
   private static int count(Pattern pattern, String text) {
+    Matcher matcher = pattern.matcher(text);
     int count = 0;
-    for (Matcher matcher = pattern.matcher(text); matcher.find(); ) {
+    while (matcher.find()) {
       count++;
     }
     return count;
@@ -111,9 +126,9 @@ final class Origin {
     }
   }
 
-  /** A blob is kept by every tag that names it, or the beginning of its name. */
+  /** A tag keeps every blob whose name begins with the name to which the tag refers. */
   private boolean isKept(String name) {
-    for (Tag tag : told.tags()) {
+    for (Tag tag : info.tags()) {
       if (tag.keepsBlob() && name.startsWith(ModifiedUtf8.encode(tag.blobName()))) return true;
     }
     return false;
@@ -128,8 +143,8 @@ final class Origin {
   }
 
   /**
-   * What finds an element's start and its end. A GIF cuts its texts into blocks, so between any two
-   * bytes may stand the size of the next block.
+   * A pattern for an element's start tag and its end tag. A GIF splits a text into sub-blocks, so
+   * between any two bytes there may be the size of the next sub-block.
    */
   private static Pattern element(String name) {
     StringBuilder pattern = new StringBuilder("<.?/?.?");
@@ -139,7 +154,7 @@ final class Origin {
     return Pattern.compile(pattern.append("[ >]").toString(), Pattern.DOTALL);
   }
 
-  /** The file's bytes, as characters up to U+00FF. */
+  /** The file's bytes, each as a character up to U+00FF. */
   private static String contents(File file) throws IOException {
     StringBuilder contents = new StringBuilder((int) Math.min(file.length(), 1 << 21));
     try (InputStream in = new FileInputStream(file)) {

@@ -1,11 +1,13 @@
 package lumigram;
 
+import java.util.Locale;
+
 /**
- * The part of speech of a label. Pictures store it by a Japanese name; the order is that of the
- * library's numbers.
+ * The part of speech of a label. Pictures store its Japanese name. The constants are in the order
+ * of the library's numbers.
  */
 public enum PartOfSpeech {
-  /** None given, or one that is not in this list. */
+  /** None, or one that is not in this list. */
   NONE(""),
   /** A noun. */
   NOUN("名詞"),
@@ -59,14 +61,22 @@ public enum PartOfSpeech {
   }
 
   /**
-   * {@return the name by which pictures store this; empty for {@link #NONE}, which is not stored}
+   * {@return the English name: lower case with hyphens, such as {@code proper-noun}; {@code none}
+   * for {@link #NONE}}
+   */
+  public String englishName() {
+    return name().toLowerCase(Locale.ROOT).replace('_', '-');
+  }
+
+  /**
+   * {@return the name that pictures store; empty for {@link #NONE}, which is not stored}
    */
   public String storedName() {
     return storedName;
   }
 
   /**
-   * Looks a stored name up.
+   * Looks up a stored name.
    *
    * @param storedName a name, exactly as it is stored
    * @return the part of speech; {@link #NONE} for every other text
@@ -78,11 +88,16 @@ public enum PartOfSpeech {
     return NONE;
   }
 
-  /** The library's number for this part of speech. */
+  /** {@return the library's number for this part of speech} */
   byte number() {
     return (byte) ordinal();
   }
 
+  /**
+   * {@return the part of speech with this number; {@link #NONE} for every unknown number}
+   *
+   * @param number a number as the library stores it
+   */
   static PartOfSpeech ofNumber(byte number) {
     return number >= 0 && number < BY_NUMBER.length ? BY_NUMBER[number] : NONE;
   }

@@ -9,8 +9,9 @@ import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramJni;
 
 /**
- * A picture file with metadata: a GIF, PNG or JPEG, which its extension tells ({@code .gif}, {@code
- * .png}, {@code .jpg}, {@code .jpeg}, in any case). At most 2,097,152 bytes and 960 by 960 pixels.
+ * A picture file with metadata: a GIF, PNG or JPEG. The file's extension decides which ({@code
+ * .gif}, {@code .png}, {@code .jpg} or {@code .jpeg}, in any case). Pictures of at most 2,097,152
+ * bytes and 960 by 960 pixels can be read.
  *
  * <pre>{@code
  * Picture picture = Picture.read(new File("heart.png"));
@@ -18,8 +19,8 @@ import lumigram.jni.LumigramJni;
  * }</pre>
  *
  * <p>The first use loads the native library: the file that the system property {@code
- * lumigram.library.path} names, else the one on {@code java.library.path}. When there is none, an
- * {@link UnsatisfiedLinkError} says what was tried.
+ * lumigram.library.path} names, or, when it is not set, the one on {@code java.library.path}. When
+ * that fails, an {@link UnsatisfiedLinkError} reports what was tried.
  */
 public final class Picture {
   private static final int CHUNK = 256;
@@ -43,8 +44,8 @@ public final class Picture {
   }
 
   /**
-   * A picture of which nothing is read: enough for looking up a tag or a blob, and for writing new
-   * metadata without a look at the old.
+   * Makes a picture without reading its file. It can look up a tag or a blob, and write new
+   * metadata whatever the old is.
    *
    * @param file the picture's file
    * @return the picture
@@ -54,11 +55,11 @@ public final class Picture {
   }
 
   /**
-   * Reads the metadata of one picture. What a picture may carry that is not read stands at {@link
-   * PictureInfo}. A file that is still empty is waited for, up to five seconds.
+   * Reads the metadata of one picture. {@link PictureInfo} lists what a picture may carry that is
+   * not read. While the file is empty, this waits for it, up to five seconds.
    *
    * @param file the picture's file
-   * @return the picture, with {@link #info}; a picture without metadata has empty one
+   * @return the picture with its {@link #info}, which is empty when the picture has no metadata
    * @throws PictureException when the file cannot be read
    */
   public static Picture read(File file) throws PictureException {
@@ -66,8 +67,8 @@ public final class Picture {
   }
 
   /**
-   * Reads the metadata of many pictures, which is quicker than one by one. A file that cannot be
-   * read does not keep the others from being read.
+   * Reads the metadata of many pictures, faster than one by one. A file that cannot be read does
+   * not stop the others.
    *
    * @param files the pictures' files, of which none is null
    * @return an unmodifiable list with a result for each file, in the same order
@@ -93,8 +94,7 @@ public final class Picture {
     for (int i = 0; i < paths.length; i++) {
       File file = files.get(i);
       Status status = Status.ofReading(batchCode != 0 ? batchCode : codes[i]);
-      results.add(
-          status == Status.OK
+      results.add(status == Status.OK
               ? new ReadResult(new Picture(file, Attributes.toInfo(file, attrs[i]), attrs[i]))
               : new ReadResult(new PictureException(file, status)));
     }
@@ -106,7 +106,7 @@ public final class Picture {
   }
 
   /**
-   * {@return the metadata, as it was when the picture was read}
+   * {@return the metadata that the picture had when it was read}
    *
    * @throws IllegalStateException when the picture was not read
    */
@@ -146,8 +146,8 @@ public final class Picture {
   }
 
   /**
-   * {@return whether this is a pop picture: a GIF with the mark of one, whose creator comments, if
-   * any, are valid}
+   * {@return whether this is a pop picture: a GIF that is marked as one and whose creator comments
+   * after the mark, if any, are valid}
    *
    * @throws IllegalStateException when the picture was not read
    */
@@ -157,19 +157,20 @@ public final class Picture {
   }
 
   /**
-   * Writes metadata into the picture, in place of all that it carries; everything else in it stays.
-   * This object still shows what was read before: read the picture again to see the new metadata.
+   * Replaces the metadata of the picture; everything else in it stays. This object keeps the old
+   * metadata: read the picture again to get the new.
    *
-   * <p>Nothing is touched when the metadata breaks a limit, or when it was read from this picture
-   * and would take away what could not be read ({@link PictureInfo} says more about both); metadata
-   * that was read from another picture needs {@link PictureInfo#asNew}. Of the old blobs those stay
-   * to which a tag refers.
+   * <p>The write is refused, before the file is touched, when the metadata is over a limit, and
+   * when it was read from this picture and the write would remove something that could not be read
+   * ({@link PictureInfo} has both rules). Metadata that was read from another picture needs {@link
+   * PictureInfo#asNew}. An old blob stays when a tag refers to it.
    *
-   * <p>Neither is a picture refused that cannot hold metadata for want of an image, nor one of more
-   * than 960 pixels: the metadata of the first is lost, that of the second cannot be read.
+   * <p>Two kinds of pictures are written although their metadata cannot be read afterwards: one
+   * without an image, which has no place for metadata, so that it is lost; and one that is wider or
+   * higher than 960 pixels.
    *
    * @param info the new metadata
-   * @throws PictureException when it was not written; the picture is then as it was
+   * @throws PictureException when it was not written; the picture is then unchanged
    */
   public void write(PictureInfo info) throws PictureException {
     Objects.requireNonNull(info, "info");
@@ -182,19 +183,19 @@ public final class Picture {
   }
 
   /**
-   * Looks up the tags of one name, in the file as it is now. Unlike reading, this also finds those
-   * of an eleventh group.
+   * Looks up the tags of one name in the file as it is now. Unlike {@link #read}, this finds groups
+   * after the tenth, too.
    *
    * @param name the tags' name, at most 255 bytes
-   * @return an unmodifiable list of up to ten contents, in stored order, which ends before one that
-   *     is empty or over 1,024 bytes; empty when there are none
+   * @return an unmodifiable list of up to ten contents, in stored order; it ends before a content
+   *     that is empty or over 1,024 bytes, and is empty when there is no such tag
    * @throws PictureException when the file cannot be read
    */
   public List<String> tag(String name) throws PictureException {
     if (ModifiedUtf8.bytes(name) > MAX_LOOKUP_BYTES) return Collections.emptyList();
     String[] results = new String[GROUP_SIZE];
     if (LumigramJni.getLumigramTagInfo(file.getPath(), name, results) != 0) {
-      read(file);  // tells why, unless it is only that there is no metadata
+      read(file);  // throws, unless there is just no metadata
       return Collections.emptyList();
     }
     List<String> contents = new ArrayList<>();
@@ -205,8 +206,8 @@ public final class Picture {
   }
 
   /**
-   * Takes out a blob, from the file as it is now: the first one whose label and name begin like
-   * these. A JPEG has none.
+   * Reads a blob from the file as it is now: the first one whose label and name begin with these
+   * texts. A JPEG has none.
    *
    * @param label the blob's label, or its beginning; empty for any
    * @param name the blob's name, or its beginning; empty for any
@@ -217,11 +218,11 @@ public final class Picture {
     Objects.requireNonNull(label, "label");
     Objects.requireNonNull(name, "name");
     byte[] bytes = LumigramJni.getLumigramApplicationExtensionInfo(file.getPath(), label, name);
-    if (bytes == null) read(file);  // tells why, unless it is only that there is no such blob
+    if (bytes == null) read(file);  // throws, unless there is just no such blob
     return bytes;
   }
 
-  /** The file and what it carries, for people to read. */
+  /** {@return the file and its metadata as text for people to read} */
   @Override
   public String toString() {
     return file + (info == null ? "" : ": " + info);

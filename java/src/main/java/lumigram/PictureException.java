@@ -4,9 +4,9 @@ import java.io.File;
 import java.io.IOException;
 
 /**
- * A picture that was not read or not written. When a write fails, the picture is as it was. (Only
- * where its file has several hard links, or where its folder takes no new file, can a crash in the
- * middle leave it damaged.)
+ * Reports that a picture was not read or not written. A failed write leaves the picture unchanged.
+ * (Exception: a file with several hard links, or in a folder that allows no new file, is written in
+ * place, and a crash in that moment can damage it.)
  */
 public class PictureException extends IOException {
   private static final long serialVersionUID = 1;
@@ -17,25 +17,25 @@ public class PictureException extends IOException {
   /** The kind of failure. */
   private final Status status;
 
-  /** What went wrong. */
+  /** The reason, without a full stop. */
   private final String sentence;
 
   /**
-   * A failure with the sentence of its status.
+   * Makes a failure with the sentence of its status.
    *
    * @param file the picture's file
-   * @param status why
+   * @param status the kind of failure
    */
   public PictureException(File file, Status status) {
     this(file, status, status.sentence());
   }
 
   /**
-   * A failure with a sentence of its own.
+   * Makes a failure with a sentence of its own.
    *
    * @param file the picture's file
-   * @param status why
-   * @param sentence why exactly, without a full stop
+   * @param status the kind of failure
+   * @param sentence the exact reason, without a full stop
    */
   public PictureException(File file, Status status, String sentence) {
     super(file + ": " + sentence + " (" + status + ", " + status.code() + ")");
@@ -55,8 +55,8 @@ public class PictureException extends IOException {
   }
 
   /**
-   * {@return what went wrong, without a full stop: the sentence of the status, or one that names
-   * the field and says by how much it is over its limit}
+   * {@return the reason, without a full stop: the sentence of the status, or one that names the
+   * field and, for {@link Status#OVER_LIMIT}, by how much it is over its limit}
    */
   public String sentence() {
     return sentence;

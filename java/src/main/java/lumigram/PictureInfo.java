@@ -8,14 +8,14 @@ import java.util.List;
 import java.util.Objects;
 
 /**
- * What a picture carries besides its pixels: labels, a category, a type and tags, some of which
- * refer to blobs. Immutable: each {@code with} and {@code without} method returns a new object.
- * {@link #empty} is where a new one starts, {@link Picture#info} gives what a picture carries.
+ * The metadata of a picture: labels, a category, a type and tags, some of which refer to blobs.
+ * Immutable: each {@code with} and {@code without} method returns a new object. Start with {@link
+ * #empty}, or with the {@link Picture#info} of a picture.
  *
- * <p><b>Limits.</b> They are tested when the metadata is written, before anything is touched.
+ * <p><b>Limits.</b> They are checked when the metadata is written, before the file is touched.
  * Lengths in bytes are those of Java's modified UTF-8, which is what pictures store; a character
  * outside the basic plane, such as most emoji, has 6 bytes there and counts as two characters.
- * Control characters count as none.
+ * Control characters do not count.
  *
  * <table>
  *   <caption>Limits</caption>
@@ -28,34 +28,34 @@ import java.util.Objects;
  * </table>
  *
  * <p><b>Texts.</b> Pictures store them without escaping, so none may hold a tag of the format (such
- * as {@code </name>} or {@code <label>}), and a tag's name not {@code ">}. Neither may they hold
- * U+0000, half a surrogate pair, or U+FFFD, which is what stands in a text that was read for bytes
- * that are not valid. The name of a label or tag is never empty.
+ * as {@code </name>} or {@code <label>}), and a tag's name must not hold {@code ">}. No text may
+ * hold U+0000, half a surrogate pair, or U+FFFD, which replaces invalid bytes in a text that was
+ * read. The name of a label or tag is never empty.
  *
- * <p><b>What reading does not tell.</b> The native side reads what is within the limits and keeps
- * silent about the rest. An object that was read therefore lacks:
+ * <p><b>Metadata that is not read.</b> The native side reads what is within the limits and does not
+ * report the rest. Metadata that was read therefore lacks:
  *
  * <ul>
- *   <li>the labels behind the tenth, and all of them when one is malformed or over its limits;
- *   <li>all tags when one is over its limits; of the others, those behind the first hundred, behind
- *       the tenth group, and behind the tenth of a group; all tags behind a first one with an empty
- *       name; and, only where the first tag's content is empty, the tags of a group behind one with
- *       an empty content, which {@link Picture#read} otherwise fetches by looking the groups up;
+ *   <li>the labels after the tenth, and all of them when one is malformed or over its limits;
+ *   <li>all tags when one is over its limits, or when the first one has an empty name; otherwise
+ *       those after the first hundred, those of groups after the tenth, and those after the tenth
+ *       of a group;
+ *   <li>when the content of the first tag is empty, the tags of a group after one with an empty
+ *       content: {@link Picture#read} then looks up each group, and a lookup ends there;
  *   <li>a category or type over 256 bytes; a part of speech that is not in {@link PartOfSpeech};
  *   <li>the blobs that no tag refers to.
  * </ul>
  *
- * <p>Writing would take all that out of the picture. Before it does, {@link Picture#write} searches
- * the picture's file for it, and refuses with {@link Status#UNREAD} when it finds more than was
- * read; {@link #asNew} overrules that. What it cannot find out, and what a write takes away without
- * a word, is text outside of the elements above: white space, elements that are not of this format,
- * and the spelling of characters outside the basic plane (a program that does not use Java may have
- * stored them as 4 bytes, which become 6).
+ * <p>A write would remove all of this from the picture. {@link Picture#write} therefore searches
+ * the file first, and refuses with {@link Status#UNREAD} when it finds more than was read; {@link
+ * #asNew} turns the search off. The search does not find text outside of the elements above, which
+ * a write removes: white space, and elements that are not of this format. Nor does it find
+ * characters outside the basic plane that a program without Java has stored as 4 bytes; a write
+ * stores them as 6.
  */
 public final class PictureInfo {
   private static final PictureInfo EMPTY =
-      new PictureInfo(
-          Collections.<Label>emptyList(), "", "", Collections.<Tag>emptyList(), null);
+      new PictureInfo(Collections.<Label>emptyList(), "", "", Collections.<Tag>emptyList(), null);
 
   private final List<Label> labels;
   private final String category;
@@ -72,13 +72,17 @@ public final class PictureInfo {
     this.origin = origin;
   }
 
-  /** The same metadata, as what reading a file has told. */
+  /**
+   * {@return the same metadata, with a file as its origin}
+   *
+   * @param file the file from which this was read
+   */
   PictureInfo readFrom(File file) {
     return new PictureInfo(labels, category, type, tags, new Origin(file, this));
   }
 
   /**
-   * Metadata without anything. Written into a picture as it is, it empties it.
+   * Metadata with nothing in it. Writing it removes all metadata from a picture.
    *
    * @return the same object every time
    */
@@ -101,7 +105,9 @@ public final class PictureInfo {
     return type;
   }
 
-  /** {@return the tags, with those that refer to blobs: an unmodifiable list, in stored order} */
+  /**
+   * {@return the tags, including those that refer to blobs: an unmodifiable list, in stored order}
+   */
   public List<Tag> tags() {
     return tags;
   }
@@ -161,7 +167,7 @@ public final class PictureInfo {
   }
 
   /**
-   * Adds a tag, behind those that are there: also when there are some of that name.
+   * Adds a tag after the others, even when some of them have that name.
    *
    * @param name the tag's name
    * @param content its content
@@ -172,11 +178,11 @@ public final class PictureInfo {
   }
 
   /**
-   * Adds a tag that refers to a new blob, which is written into the picture with it.
+   * Adds a new blob, and the tag that refers to it.
    *
    * @param name the tag's name
-   * @param blobLabel what kind of blob it is: begins with "EMJ" and has at most 11 bytes
-   * @param blobFile where its bytes are; the file's name becomes the blob's
+   * @param blobLabel the kind of the blob: begins with "EMJ" and has at most 11 bytes
+   * @param blobFile the file that holds the blob's bytes; its name becomes the blob's name
    * @return the new metadata
    */
   public PictureInfo withBlob(String name, String blobLabel, File blobFile) {
@@ -184,7 +190,7 @@ public final class PictureInfo {
   }
 
   /**
-   * Replaces all tags. A blob whose tag is not among the new ones leaves the picture.
+   * Replaces all tags. A write removes a blob to which none of the new tags refers.
    *
    * @param tags the new ones, of which none is null
    * @return the new metadata
@@ -194,7 +200,7 @@ public final class PictureInfo {
   }
 
   /**
-   * Removes the tags of one name, and with them the blobs to which they refer.
+   * Removes the tags of one name. A write removes the blobs to which only they refer.
    *
    * @param name the tags' name
    * @return the new metadata
@@ -208,9 +214,9 @@ public final class PictureInfo {
   }
 
   /**
-   * The same metadata, as if it had not been read from a picture. It may then be written into any
-   * picture, whatever that carries and reading did not tell: what is not named here is gone. A tag
-   * that refers to a blob needs a picture that carries that blob.
+   * The same metadata, as if it had not been read from a picture. It may be written into any
+   * picture, and replaces there even metadata that cannot be read. A tag that refers to a blob
+   * needs a picture that carries that blob.
    *
    * @return the new metadata
    */
@@ -218,12 +224,12 @@ public final class PictureInfo {
     return new PictureInfo(labels, category, type, tags, null);
   }
 
-  /** Where this metadata was read; null for what was made from nothing. */
+  /** {@return the origin of metadata that was read; null for other metadata} */
   Origin origin() {
     return origin;
   }
 
-  /** The document that pictures store. An element without text is left out. */
+  /** {@return the document that pictures store; an element without text is left out} */
   String document() {
     StringBuilder document = new StringBuilder("<emoji>");
     for (Label label : labels) {
@@ -262,7 +268,7 @@ public final class PictureInfo {
     return Collections.unmodifiableList(copy);
   }
 
-  /** The metadata for people to read. */
+  /** {@return the metadata as text for people to read} */
   @Override
   public String toString() {
     return "labels " + labels + ", category " + category + ", type " + type + ", tags " + tags;

@@ -2,18 +2,28 @@ package lumigram;
 
 import java.io.File;
 
-/** What came of one file of a batch: a picture, or the reason why there is none. */
+/** The result for one file of a batch: a picture, or the reason why there is none. */
 public final class ReadResult {
   private final File file;
   private final Picture picture;
   private final PictureException failure;
 
+  /**
+   * Makes the result for a file that was read.
+   *
+   * @param picture the picture
+   */
   ReadResult(Picture picture) {
     this.file = picture.file();
     this.picture = picture;
     this.failure = null;
   }
 
+  /**
+   * Makes the result for a file that could not be read.
+   *
+   * @param failure the reason
+   */
   ReadResult(PictureException failure) {
     this.file = failure.file();
     this.picture = null;
@@ -25,7 +35,7 @@ public final class ReadResult {
     return file;
   }
 
-  /** {@return {@link Status#OK} when there is a picture, else why there is none} */
+  /** {@return {@link Status#OK} when there is a picture, else the reason why there is none} */
   public Status status() {
     return failure == null ? Status.OK : failure.status();
   }

@@ -8,7 +8,7 @@ import java.util.Objects;
  * begins with {@value #THIS_PICTURE} refers to a blob in the same picture.
  */
 public final class Tag {
-  /** What the content of a tag begins with that refers to a blob; the blob's name follows. */
+  /** The beginning of a content that refers to a blob; the blob's name follows. */
   public static final String THIS_PICTURE = "file://THIS/";
 
   private final String name;
@@ -24,9 +24,9 @@ public final class Tag {
   }
 
   /**
-   * A tag with a text; or, when the text begins with {@value #THIS_PICTURE}, one that keeps the
-   * blob of that name, which the picture carries already. A blob that no tag keeps is gone after a
-   * write.
+   * Makes a tag with a text. A text that begins with {@value #THIS_PICTURE} keeps the blob whose
+   * name follows, and which the picture carries already. A write removes every blob that no tag
+   * keeps.
    *
    * @param name not empty, at most 24 characters and 256 bytes (see {@link PictureInfo})
    * @param content at most 1,024 bytes
@@ -36,11 +36,11 @@ public final class Tag {
   }
 
   /**
-   * A tag that brings a new blob into a GIF or PNG picture: the bytes of a file, under the file's
-   * name. They are read when the picture is written.
+   * Makes a tag that refers to a new blob of a GIF or PNG picture: the bytes of a file, under the
+   * file's name. The file is read when the picture is written.
    *
    * @param name the tag's name
-   * @param blobLabel what kind of blob it is: begins with "EMJ" and has at most 11 bytes
+   * @param blobLabel the kind of the blob: begins with "EMJ" and has at most 11 bytes
    * @param blobFile the file; not empty, with a name of at most 255 bytes
    * @return the tag
    */
@@ -60,31 +60,30 @@ public final class Tag {
   }
 
   /**
-   * {@return the name of the blob that the tag refers to, which is what follows the last {@code /};
-   * null when the content is a text}
+   * {@return the name of the blob to which the tag refers, which follows the last {@code /}; null
+   * when the content is a text}
    */
   public String blobName() {
-    return content.startsWith(THIS_PICTURE)
-        ? content.substring(content.lastIndexOf('/') + 1)
-        : null;
+    if (!content.startsWith(THIS_PICTURE)) return null;
+    return content.substring(content.lastIndexOf('/') + 1);
   }
 
-  /** The label of a new blob; null for one that the picture carries already, and for none. */
+  /** {@return the label of the new blob; null when the tag refers to no new one} */
   String blobLabel() {
     return blobLabel;
   }
 
-  /** The file of a new blob, or null. */
+  /** {@return the file of the new blob; null when the tag refers to no new one} */
   File blobFile() {
     return blobFile;
   }
 
-  /** Whether the tag keeps a blob that the picture carries already. */
+  /** {@return whether the tag keeps a blob that the picture carries already} */
   boolean keepsBlob() {
     return blobFile == null && blobName() != null;
   }
 
-  /** Tags are equal when names and contents are, wherever the bytes of a blob come from. */
+  /** Tags are equal when their names and contents are; the file of a new blob does not matter. */
   @Override
   public boolean equals(Object other) {
     if (!(other instanceof Tag)) return false;
@@ -97,7 +96,7 @@ public final class Tag {
     return Objects.hash(name, content);
   }
 
-  /** The tag for people to read. */
+  /** {@return the tag as text for people to read} */
   @Override
   public String toString() {
     return name + "=" + content;

@@ -7,16 +7,16 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * Refuses metadata that a picture cannot hold, or that would not be read back as it was written.
- * The native side would cut some of it, drop some, and call the rest by one status.
+ * Refuses metadata that a picture cannot hold, or that could not be read back unchanged. The native
+ * side would truncate some of it, drop some, and report the rest by one status.
  */
 final class WriteCheck {
   private static final int MAX_LABELS = 10;
   private static final int MAX_TAGS = 100;
-  private static final int MAX_GROUPS = 10;
+  private static final int MAX_TAG_GROUPS = 10;
   private static final int MAX_GROUP_SIZE = 10;
   private static final int MAX_CHARACTERS = 24;
-  private static final int MAX_BYTES = 256;
+  private static final int MAX_TEXT_BYTES = 256;
   private static final int MAX_CONTENT_BYTES = 1024;
   private static final int MAX_BLOB_NAME_BYTES = 255;
   private static final int MAX_BLOB_LABEL_BYTES = 11;
@@ -24,11 +24,10 @@ final class WriteCheck {
 
   private static final String BLOB_MARK = "EMJ";
 
-  /** What readers search for. The last comes without its quote, which the markup could supply. */
-  private static final String[] MARKUP = {
-    "<emoji>", "</emoji>", "<label>", "</label>", "<name>", "</name>", "<note>", "</note>",
-    "<part>", "</part>", "<category>", "</category>", "<type>", "</type>", "</tags>", "<tags name="
-  };
+  /** Markup that readers search for; the last without its quote, which the next markup supplies. */
+  private static final String[] MARKUP = {"<emoji>", "</emoji>", "<label>", "</label>", "<name>",
+      "</name>", "<note>", "</note>", "<part>", "</part>", "<category>", "</category>", "<type>",
+      "</type>", "</tags>", "<tags name="};
 
   private final File file;
   private final Kind kind;
@@ -40,15 +39,22 @@ final class WriteCheck {
     this.info = info;
   }
 
-  /** Throws an exception that names the field, unless all is well. */
+  /**
+   * Checks metadata before it is written.
+   *
+   * @param file the picture's file
+   * @param kind its kind
+   * @param info the metadata
+   * @throws PictureException when the picture cannot hold the metadata; its message names the field
+   */
   static void check(File file, Kind kind, PictureInfo info) throws PictureException {
     WriteCheck check = new WriteCheck(file, kind, info);
     check.checkLabels();
-    check.checkText("the category", info.category(), MAX_BYTES, NO_LIMIT);
-    check.checkText("the type", info.type(), MAX_BYTES, NO_LIMIT);
+    check.checkText("the category", info.category(), MAX_TEXT_BYTES, NO_LIMIT);
+    check.checkText("the type", info.type(), MAX_TEXT_BYTES, NO_LIMIT);
     check.checkTags();
     check.checkGroups();
-    check.checkWhatLookupsTell();
+    check.checkLookups();
     check.checkBlobs();
     int bytes = ModifiedUtf8.bytes(info.document());
     check.checkLength("the document", bytes, kind.documentBytes, "bytes");
@@ -60,7 +66,7 @@ final class WriteCheck {
       Label label = info.labels().get(i);
       String field = "label " + (i + 1);
       checkName(field, label.name());
-      checkText(field + ": the note", label.note(), MAX_BYTES, MAX_CHARACTERS);
+      checkText(field + ": the note", label.note(), MAX_TEXT_BYTES, MAX_CHARACTERS);
     }
   }
 
@@ -77,7 +83,7 @@ final class WriteCheck {
 
   private void checkName(String field, String name) throws PictureException {
     if (name.isEmpty()) throw notStorable(field + ": the name is empty");
-    checkText(field + ": the name", name, MAX_BYTES, MAX_CHARACTERS);
+    checkText(field + ": the name", name, MAX_TEXT_BYTES, MAX_CHARACTERS);
   }
 
   private void checkText(String field, String text, int maxBytes, int maxCharacters)
@@ -101,13 +107,12 @@ final class WriteCheck {
   private void checkLength(String field, int length, int limit, String unit)
       throws PictureException {
     if (length <= limit) return;
-    throw new PictureException(
-        file, Status.OVER_LIMIT,
+    throw new PictureException(file, Status.OVER_LIMIT,
         field + " has " + length + " " + unit + ", " + (length - limit) + " over the limit of "
             + limit);
   }
 
-  /** Groups as readers form them: a name that begins an earlier group's name belongs to that. */
+  /** Readers put a tag into the first group whose name begins with the name of the tag. */
   private void checkGroups() throws PictureException {
     List<String> names = new ArrayList<>();
     List<Integer> sizes = new ArrayList<>();
@@ -122,22 +127,23 @@ final class WriteCheck {
       }
       sizes.set(group, sizes.get(group) + 1);
     }
-    checkLength("the metadata", names.size(), MAX_GROUPS, "groups of tags");
+    checkLength("the metadata", names.size(), MAX_TAG_GROUPS, "groups of tags");
     for (int i = 0; i < names.size(); i++) {
       checkLength("the group \"" + names.get(i) + "\"", sizes.get(i), MAX_GROUP_SIZE, "tags");
     }
   }
 
-  /** With an empty content first, contents are read by lookups, which end at an empty one. */
-  private void checkWhatLookupsTell() throws PictureException {
+  /** When the first content is empty, readers look up each group; a lookup ends at an empty one. */
+  private void checkLookups() throws PictureException {
     if (info.tags().isEmpty() || !info.tags().get(0).content().isEmpty()) return;
     Set<String> ended = new HashSet<>();
     for (Tag tag : info.tags()) {
       boolean empty = tag.content().isEmpty();
       if (ended.contains(tag.name()) || empty && ModifiedUtf8.mayBeSpelledOtherwise(tag.name())) {
-        throw notStorable(
-            "the group \"" + tag.name() + "\" could not be read back, because the first tag and one"
-                + " of this group have no content");
+        String group = "the group \"" + tag.name() + "\"";
+        throw notStorable(group
+            + " could not be read back, because the first tag and one of this group"
+            + " have no content");
       }
       if (empty) ended.add(tag.name());
     }
@@ -157,9 +163,9 @@ final class WriteCheck {
     }
   }
 
-  /** A reference to nothing is none of our making; but one that was read may stay what it is. */
+  /** The picture must have the blob, unless the reference was read from the picture. */
   private void checkKeptBlob(String field, String name) throws PictureException {
-    if (info.origin() != null && info.origin().names(name)) return;
+    if (info.origin() != null && info.origin().refersToBlob(name)) return;
     if (Picture.at(file).blob(BLOB_MARK, name) == null) {
       throw unusable(field + " is not in the picture");
     }
@@ -173,22 +179,21 @@ final class WriteCheck {
     int pathBytes = ModifiedUtf8.bytes(source.getAbsolutePath());
     checkLength(field + ": its path", pathBytes, MAX_CONTENT_BYTES, "bytes");
     if (!tag.blobLabel().startsWith(BLOB_MARK)) {
-      // It would pass for another program's, stay for ever, and be added again at every write.
+      // The next write would take it for another program's data and keep it beside the new one.
       throw unusable(field + " has a label that does not begin with " + BLOB_MARK);
     }
     if (!source.isFile()) throw unusable(field + ": there is no file " + source);
     if (source.length() == 0) throw unusable(field + ": its file is empty");
   }
 
-  /** Blobs are found by the beginnings of their names, so none may be the beginning of another. */
+  /** A beginning of a name finds a blob, so no name may be the beginning of another. */
   private void checkNameOfNewBlob(String field, int index) throws PictureException {
     String name = info.tags().get(index).blobName();
     for (int i = 0; i < info.tags().size(); i++) {
       String other = info.tags().get(i).blobName();
       if (i == index || other == null) continue;
       if (name.startsWith(other) || other.startsWith(name)) {
-        throw new PictureException(
-            file, Status.DUPLICATE_BLOB,
+        throw new PictureException(file, Status.DUPLICATE_BLOB,
             field + " cannot be told by its name from that of tag " + (i + 1));
       }
     }

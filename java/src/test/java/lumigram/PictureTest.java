@@ -10,6 +10,7 @@ import java.nio.file.Files;
 import java.util.*;
 import javax.imageio.ImageIO;
 import lumigram.jni.LumigramAttrInfo;
+import lumigram.jni.LumigramStatus;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 import org.junit.jupiter.params.ParameterizedTest;
@@ -20,10 +21,14 @@ class PictureTest {
   @TempDir static File folder;
 
   static final PictureInfo NEW = PictureInfo.empty();
-  static final PictureInfo RICH =
-      NEW.withLabel("smile 😀", "\"tab\t\", line\n", PartOfSpeech.SYMBOL).withLabel("שלום")
-          .withCategory("a < b & c").withType("笑顔").withTag("empty", "").withTag("color", "red")
-          .withTag("second", "x").withTag("color", "");
+  static final PictureInfo RICH = NEW.withLabel("smile 😀", "\"tab\t\", line\n", PartOfSpeech.SYMBOL)
+                                      .withLabel("שלום")
+                                      .withCategory("a < b & c")
+                                      .withType("笑顔")
+                                      .withTag("empty", "")
+                                      .withTag("color", "red")
+                                      .withTag("second", "x")
+                                      .withTag("color", "");
 
   static File picture(String kind) throws Exception {
     File file = File.createTempFile("😀 笑", "." + kind, folder);
@@ -63,6 +68,25 @@ class PictureTest {
     PictureException e = assertThrows(PictureException.class, () -> Picture.at(file).write(info));
     assertTrue(e.getMessage().contains(text), () -> text + " is not in: " + e.getMessage());
     assertArrayEquals(before, Files.readAllBytes(file.toPath()));
+  }
+
+  @Test
+  void statusesAreThoseOfTheLibrary() {
+    for (int code = -127; code < 0; code++) {
+      if (LumigramStatus.describe(code).startsWith("unknown")) continue;
+      assertEquals(code, Status.ofReading(code).code());
+    }
+  }
+
+  /** A kind of picture that the library reads has a sample, and has to be known here, too. */
+  @Test
+  void kindsAreThoseOfTheLibrary() {
+    for (File sample : new File("samples").listFiles(File::isFile)) {
+      byte[] status = {0};
+      LumigramAttrInfo[] attrs = {new LumigramAttrInfo()};
+      getLumigramAttrInfo(new String[] {sample.getPath()}, attrs, status);
+      assertEquals(status[0] == -21, Kind.of(sample) == null, sample.getName());
+    }
   }
 
   @ParameterizedTest
@@ -139,6 +163,8 @@ class PictureTest {
   }
 
   @ParameterizedTest
+  // clang-format would indent the rows past the limit.
+  // clang-format off
   @CsvSource(delimiter = ';', quoteCharacter = '~', value = {
     "11; <label><name>n</name></label>; [n, n, n, n, n, n, n, n, n, n][]; [labels: 1]",
     "1; <label></label><type>t</type><type></type>; []t[]; [labels: 1, types: 1]",
@@ -150,6 +176,7 @@ class PictureTest {
     "1; <tags name='a'></tags><tags name='b'>y</tags><tags name='a'>x</tags>;[][a=, b=y];[tags: 1]"
   })
   void unreadIsNotLost(int times, String body, String told, String unread) throws Exception {
+    // clang-format on
     File file = jpeg("<emoji>" + body.replace('\'', '"').repeat(times) + "</emoji>");
     PictureInfo info = Picture.read(file).info();
     assertEquals(told, told(info));
@@ -223,9 +250,7 @@ class PictureTest {
     }
   }
 
-  static class OnlyNumbers {
-    long mFileSize, mHeight, mWidth, mOrnamailPop;
-  }
+  static class OnlyNumbers { long mFileSize, mHeight, mWidth, mOrnamailPop; }
 
   @Test
   void noExceptionOfTheNativeMethodsStaysBehind() throws Exception {

@@ -6,11 +6,12 @@ import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import lumigram.PartOfSpeech;
 import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramJni;
 import lumigram.jni.LumigramStatus;
 
-/** Pictures that were read by one call, and what came of each. */
+/** Pictures that one call has read, with the metadata and the status of each. */
 final class Batch {
   static final String LABELS_TITLE = "labels (note) [part of speech]";
 
@@ -29,7 +30,7 @@ final class Batch {
 
   static Batch read(List<Path> pictures) {
     Batch batch = new Batch(pictures);
-    String[] paths = pictures.stream().map(Path::toString).toArray(String[]::new);
+    String[] paths = pictures.stream().map(Path::toString).toArray(size -> new String[size]);
     int status = LumigramJni.getLumigramAttrInfo(paths, batch.infos, batch.results);
     if (status != 0) {
       throw new IllegalStateException("reading a batch: " + LumigramStatus.describe(status));
@@ -38,21 +39,13 @@ final class Batch {
   }
 
   void print(PrintStream out) {
-    TextTable table =
-        new TextTable(
-            "file", "bytes", "pixels", "pop", LABELS_TITLE, "category", "type", "tag groups",
-            "result");
+    TextTable table = new TextTable(
+        "file", "bytes", "pixels", "pop", LABELS_TITLE, "category", "type", "tag groups", "result");
     for (int i = 0; i < infos.length; i++) {
       LumigramAttrInfo info = infos[i];
-      table.add(
-          pictures.get(i).getFileName(),
-          info.mFileSize,
-          info.mWidth + " x " + info.mHeight,
-          info.mOrnamailPop,
-          labels(info.mName, info.mNote, info.mPart),
-          orEmpty(info.mCategory),
-          orEmpty(info.mType),
-          tagGroups(info.mTagsName),
+      table.add(pictures.get(i).getFileName(), info.mFileSize, info.mWidth + " x " + info.mHeight,
+          info.mOrnamailPop, labels(info.mName, info.mNote, info.mPart), orEmpty(info.mCategory),
+          orEmpty(info.mType), tagGroups(info.mTagsName),
           results[i] + " " + LumigramStatus.describe(results[i]));
     }
     table.print(out);
@@ -62,7 +55,7 @@ final class Batch {
     List<String> lines = new ArrayList<>();
     for (int k = 0; k < names.length && !orEmpty(names[k]).isEmpty(); k++) {
       String note = notes[k].isEmpty() ? "" : " (" + notes[k] + ")";
-      String part = parts[k] == 0 ? "" : " [" + PartsOfSpeech.word(parts[k]) + "]";
+      String part = parts[k] == 0 ? "" : " [" + PartOfSpeech.values()[parts[k]].englishName() + "]";
       lines.add(names[k] + note + part);
     }
     return lines;

@@ -7,19 +7,19 @@ import java.nio.file.Path;
 import java.util.Arrays;
 import lumigram.jni.LumigramJni;
 
-/** Takes blobs out of pictures. */
+/** Reads blobs of pictures and compares them with the files from which they were made. */
 final class Blobs {
-  /** What a tag's content begins with when it names a blob in the same picture. */
+  /** The beginning of a tag's content that refers to a blob in the same picture. */
   static final String HERE = "file://THIS/";
 
-  /** What all labels begin with. */
+  /** The beginning of all labels. */
   private static final String ANY_LABEL = "EMJ";
 
   private Blobs() {}
 
   /**
-   * Takes out every blob that a tag of the batch names, and compares it with the file from which it
-   * was made: that of the same name in the folder "blobs" beside the picture.
+   * Compares every blob to which a tag of the batch refers with the file of the same name in the
+   * folder "blobs" beside the picture.
    */
   static boolean show(Batch batch, PrintStream out) throws IOException {
     out.println("Blobs, and whether they are what was put in:");
@@ -36,7 +36,7 @@ final class Blobs {
     return good;
   }
 
-  /** Takes out the blob that has the file's name. */
+  /** Compares a file with the blob that has the file's name. */
   static boolean compare(Path picture, Path original, PrintStream out) throws IOException {
     String name = original.getFileName().toString();
     byte[] blob =

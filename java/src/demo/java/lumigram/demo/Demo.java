@@ -13,8 +13,8 @@ import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /**
- * Shows the library's work on pictures, which it does not change. The arguments are pictures, and
- * folders of pictures; the exit status is 1 when something did not come out as it should.
+ * Shows what the library reads from pictures, and writes into copies of them. The arguments are
+ * pictures, and folders of pictures; the exit status is 1 when a result is wrong.
  */
 public final class Demo {
   private Demo() {}
@@ -24,7 +24,7 @@ public final class Demo {
       System.err.println("usage: java -jar lumigram-demo.jar PICTURE_OR_FOLDER...");
       System.exit(2);
     }
-    // What is printed is UTF-8, whatever the locale says.
+    // The output is UTF-8 in every locale.
     PrintStream out = new PrintStream(new FileOutputStream(FileDescriptor.out), false, "UTF-8");
     boolean good = run(args, out);
     out.flush();

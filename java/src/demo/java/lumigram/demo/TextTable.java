@@ -5,16 +5,14 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** A table for a terminal. A cell may have several lines; every column is as wide as it must be. */
+/** A table for a terminal. A cell may have several lines; a column is as wide as its widest one. */
 final class TextTable {
   private static final String GAP = "  ";
 
-  /** First and last code point of what terminals show two columns wide: East Asia and emoji. */
-  private static final int[][] WIDE = {
-    {0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
-    {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF},
-    {0x1F900, 0x1FAFF}, {0x20000, 0x3FFFD}
-  };
+  /** Ranges of code points that terminals show two columns wide: East Asian scripts and emoji. */
+  private static final int[][] WIDE = {{0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0xA4CF},
+      {0xAC00, 0xD7A3}, {0xF900, 0xFAFF}, {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6},
+      {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1FAFF}, {0x20000, 0x3FFFD}};
 
   private final List<List<List<String>>> rows = new ArrayList<>();
   private final int[] widths;
@@ -76,7 +74,7 @@ final class TextTable {
     return lines;
   }
 
-  /** A picture's text may hold what a terminal obeys; it must not come to that. */
+  /** Replaces control characters: a terminal would obey those in a picture's text. */
   static String printable(String text) {
     return text.replaceAll("\\p{Cc}", "\uFFFD");
   }
@@ -87,8 +85,7 @@ final class TextTable {
 
   private static int width(int codePoint) {
     int type = Character.getType(codePoint);
-    if (type == Character.NON_SPACING_MARK
-        || type == Character.ENCLOSING_MARK
+    if (type == Character.NON_SPACING_MARK || type == Character.ENCLOSING_MARK
         || type == Character.FORMAT) {
       return 0;
     }

@@ -30,7 +30,7 @@ final class WriteAndReadBack {
     this.out = out;
   }
 
-  /** Takes the first good picture of each kind, and copies it into a folder of its own. */
+  /** Does so with the first good picture of each kind, in a temporary folder. */
   static boolean show(Batch batch, PrintStream out) throws IOException {
     Path folder = Files.createTempDirectory("lumigram-demo");
     try {
@@ -66,18 +66,14 @@ final class WriteAndReadBack {
   private boolean writeAndReadBack(Path picture) {
     LumigramAttrUpdate update = update(carriesBlobs(picture));
     int written = LumigramJni.setLumigramAttrInfo(picture.toString(), update);
-    List<Object> in =
-        Arrays.asList(
-            Batch.labels(update.mName, update.mNote, update.mPart), update.mCategory, update.mType,
-            Batch.tags(update.mTags, update.mTagsElement));
+    List<Object> in = Arrays.asList(Batch.labels(update.mName, update.mNote, update.mPart),
+        update.mCategory, update.mType, Batch.tags(update.mTags, update.mTagsElement));
     addRow(picture.getFileName(), "written", in, written);
 
     Batch read = Batch.read(Collections.singletonList(picture));
     LumigramAttrInfo info = read.infos[0];
-    List<Object> back =
-        Arrays.asList(
-            Batch.labels(info.mName, info.mNote, info.mPart), info.mCategory, info.mType,
-            Batch.tags(info.mTagsName, info.mTagsElement));
+    List<Object> back = Arrays.asList(Batch.labels(info.mName, info.mNote, info.mPart),
+        info.mCategory, info.mType, Batch.tags(info.mTagsName, info.mTagsElement));
     addRow("", "read back", back, read.results[0]);
     return written == 0 && read.results[0] == 0 && back.equals(in);
   }
@@ -89,7 +85,7 @@ final class WriteAndReadBack {
     table.add(cells.toArray());
   }
 
-  /** Two labels, category, type, two tags of one group, and perhaps a tag that brings a blob. */
+  /** Two labels, category, type, two tags of one group, and, if wanted, a tag with a new blob. */
   private LumigramAttrUpdate update(boolean withBlob) {
     LumigramAttrUpdate update = new LumigramAttrUpdate();
     update.mName[0] = "挨拶";

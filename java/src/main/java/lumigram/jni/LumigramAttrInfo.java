@@ -2,12 +2,11 @@ package lumigram.jni;
 
 /**
  * The metadata of one picture, as {@link LumigramJni#getLumigramAttrInfo} reads it. The native side
- * finds the fields by name and type and stores into the arrays that are here, so they must not be
- * null or shorter than they are made.
+ * finds the fields by name and type and stores into the arrays of the object, so they must not be
+ * null or shorter than in a new object.
  *
- * <p>What a picture does not carry is not stored: the field or element keeps the value it had. A
- * new object has 0, null, and arrays of null; use a new object for each picture, unless the old
- * values are wanted as defaults.
+ * <p>A field or element for which the picture has no value keeps its old one. Use a new object for
+ * each picture, unless the old values are wanted as defaults.
  */
 public class LumigramAttrInfo {
   /** The file's size in bytes, 1 to 2,097,152. */
@@ -15,8 +14,8 @@ public class LumigramAttrInfo {
 
   /**
    * The picture's height in pixels, at most 960; of a GIF the largest among screen and images. When
-   * the status is not 0 it is what was read until then, or 0; a GIF or PNG that is refused for its
-   * size shows that size here.
+   * the status is not 0, this is the value that was read until then, or 0; for a GIF or PNG that is
+   * refused for its size it is that size.
    */
   public long mHeight;
 
@@ -42,10 +41,10 @@ public class LumigramAttrInfo {
   public String[] mTagsName = new String[100];
 
   /**
-   * The content of the tag element whose name stands at the same index of {@link #mTagsName}, at
-   * most 1,024 bytes: text, or {@code file://THIS/} and the name of a blob in the same picture,
-   * which {@link LumigramJni#getLumigramApplicationExtensionInfo} takes out. Stored when the first
-   * content is not empty; the unused elements then become empty strings.
+   * The content of the tag element whose name is at the same index of {@link #mTagsName}, at most
+   * 1,024 bytes: text, or {@code file://THIS/} and the name of a blob in the same picture, which
+   * {@link LumigramJni#getLumigramApplicationExtensionInfo} reads. Stored when the first content is
+   * not empty; the unused elements then become empty strings.
    */
   public String[] mTagsElement = new String[100];
 
@@ -55,21 +54,21 @@ public class LumigramAttrInfo {
   /** The type, at most 256 bytes. Not stored when the picture has none. */
   public String mType;
 
-  /** The names of the labels, at most 24 characters each. Elements behind them are not stored. */
+  /** The names of the labels, at most 24 characters each. Later elements are not stored. */
   public String[] mName = new String[10];
 
   /**
-   * The note of the label whose name stands at the same index, at most 24 characters; empty when
-   * that label has none. Elements behind the last label are not stored.
+   * The note of the label whose name is at the same index, at most 24 characters; empty when that
+   * label has none. Elements after the last label are not stored.
    */
   public String[] mNote = new String[10];
 
   /**
-   * The part of speech of the label whose name stands at the same index: 1 to 21, or 0 for none or
-   * an unknown one. Elements behind the last label are not stored.
+   * The part of speech of the label whose name is at the same index: 1 to 21, or 0 for none or an
+   * unknown one. Elements after the last label are not stored.
    */
   public byte[] mPart = new byte[10];
 
-  /** Everything 0, null, or an array of them. */
+  /** Makes an object whose fields are 0, null, or arrays of them. */
   public LumigramAttrInfo() {}
 }

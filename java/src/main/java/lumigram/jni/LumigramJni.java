@@ -6,17 +6,17 @@ import java.io.File;
  * The native methods: reading and writing the metadata of small emoji pictures, which are GIF, PNG
  * and JPEG files.
  *
- * <p>The file name's extension alone tells what kind a picture is: {@code .gif}, {@code .png},
+ * <p>The file name's extension alone decides the kind of a picture: {@code .gif}, {@code .png},
  * {@code .jpg} or {@code .jpeg}, in any case. Pictures of at most 2,097,152 bytes and 960 by 960
- * pixels are read and written; a metadata document has at most 10,240 bytes. No method throws: they
- * report by status (words for each: {@link LumigramStatus}) or by null. All block until they are
- * done. They keep no state and may be called from any thread; calls that touch the same file, array
- * or object at the same time are the caller's to keep apart.
+ * pixels are read and written; a metadata document has at most 10,240 bytes. No method throws: each
+ * reports a failure by its status ({@link LumigramStatus} has words for them) or by null. All block
+ * until they are done. They keep no state and may be called from any thread, but the caller must
+ * not let two calls use the same file, array or object at the same time.
  *
  * <p>The class loads the native library when it is first used: the file that the system property
  * {@value #LIBRARY_PATH_PROPERTY} names, or, when it is not set, by {@code
  * System.loadLibrary("LumigramJniNative")}. When that fails, the first use throws an {@link
- * UnsatisfiedLinkError} that says what was tried and why it failed.
+ * UnsatisfiedLinkError} whose message has the call that failed and the reason.
  */
 public final class LumigramJni {
   /** The name of the system property that may hold the path of the native library's file. */
@@ -34,16 +34,16 @@ public final class LumigramJni {
    * Reads the metadata of a batch of pictures. File i is read into {@code attrs[i]} and its status
    * goes into {@code results[i]}; as many files are processed as the shortest of the three arrays
    * has elements, and the rest of the longer ones is not touched. A file that cannot be read never
-   * stops the batch. No picture is changed. A file that is still empty is waited for: it costs five
-   * seconds.
+   * stops the batch. No picture is changed. While a file is empty, the call waits for it, up to
+   * five seconds.
    *
    * <p>The attribute objects are {@link LumigramAttrInfo}s, or objects of any class with fields of
-   * the same names and types. What is stored, file by file, in this order:
+   * the same names and types. For each file, these fields are stored in this order:
    *
    * <ol>
    *   <li>{@code mFileSize}, when the file can be opened and has 1 to 2,097,152 bytes;
-   *   <li>{@code mHeight}, {@code mWidth} and {@code mOrnamailPop}, also for a picture that then
-   *       turns out to be damaged or too large: what was read until then, or 0;
+   *   <li>{@code mHeight}, {@code mWidth} and {@code mOrnamailPop}; for a picture that then turns
+   *       out to be damaged or too large, the values that were read until then, or 0;
    *   <li>{@code mTags}, {@code mTagsName} and {@code mTagsElement}, when the document has tag
    *       elements, and none with a name over 256 bytes or 24 characters or a content over 1,024
    *       bytes;
@@ -52,8 +52,8 @@ public final class LumigramJni {
    *       formed and within 256 bytes and 24 characters.
    * </ol>
    *
-   * <p>What is not stored keeps the value it had. Bytes of a document that are no UTF-8 become
-   * U+FFFD, one each.
+   * <p>A field that is not stored keeps its value. Each byte of a document that is no valid UTF-8
+   * becomes U+FFFD.
    *
    * <p>The statuses in {@code results}:
    *
@@ -69,29 +69,28 @@ public final class LumigramJni {
    *   <tr><td>-41</td><td>the document is over 10,240 bytes</td></tr>
    *   <tr><td>-99</td><td>the path or the object is null; the file is still empty after five
    *       seconds, or over 2,097,152 bytes, or its size cannot be had; the picture holds a size
-   *       that does not fit its file; the object lacks a field that is due, or an array in it is
-   *       null or too short; no memory. Fields stored before that keep their new values</td></tr>
+   *       that does not fit its file; the object lacks a field that is stored, or an array in it is
+   *       null or too short; no memory. Fields that were stored before keep their new
+   *       values</td></tr>
    * </table>
    *
    * @param paths the pictures' paths; a null element is -99 for that file
    * @param attrs the objects that receive the metadata; a null element is -99 for that file
    * @param results receives the statuses
-   * @return 0 when the batch was processed, whatever the single results; -10 when an argument is
-   *     null; -99 when there is no memory. Nothing is read or stored then
+   * @return 0 when the batch was processed, whatever the results of the files; -10 when an argument
+   *     is null, and -99 when there is no memory: then nothing is read or stored
    */
   public static native int getLumigramAttrInfo(String[] paths, Object[] attrs, byte[] results);
 
   /**
-   * Writes the metadata of one picture. The picture's old document goes, and of its blobs those
-   * stay that the new metadata names by a {@code file://THIS/} URI; everything else in it stays as
-   * it is. The file is replaced by a complete new one: after a failure, and when the process ends
-   * in between, it is the old picture. (Where no file can take its place, because it has several
-   * hard links or because the folder does not allow it, the picture is written in place, and only
-   * then can a crash damage it.)
+   * Replaces the metadata of one picture. The old document is removed, and so is each old blob,
+   * unless the new metadata names it by a {@code file://THIS/} URI. Everything else in the picture
+   * is kept. A complete new file replaces the old one, so the old picture is still there after a
+   * failure or a crash. (Exception: a file with several hard links, or in a folder that allows no
+   * new file, is written in place, and a crash in that moment can damage it.)
    *
    * <p>The object is a {@link LumigramAttrUpdate}, or one of any class with fields of the same
-   * names and types; it is only read. An array that is shorter than its limit counts as one with
-   * nulls behind its end.
+   * names and types; it is only read. Elements that an array lacks up to its limit count as null.
    *
    * @param path the picture's path
    * @param attr the metadata
@@ -115,7 +114,7 @@ public final class LumigramJni {
   /**
    * Looks up one tag group of one picture: the contents of its first ten elements of exactly that
    * name, in document order. The list ends before an element that is empty or over 1,024 bytes. The
-   * picture is only read. An empty file is waited for: it costs one second.
+   * picture is only read. When the file is empty, the call waits for it, one second.
    *
    * @param path the picture's path
    * @param tagName the group's name, at most 255 bytes of UTF-8
@@ -134,9 +133,9 @@ public final class LumigramJni {
   public static native int getLumigramTagInfo(String path, String tagName, String[] results);
 
   /**
-   * Takes one blob out of a GIF or PNG picture: the first whose label begins with {@code labelName}
-   * and whose name begins with {@code fileName}. Here alone the picture may be of any size that
-   * fits in memory, in bytes; the limit in pixels holds.
+   * Reads one blob of a GIF or PNG picture: the first whose label begins with {@code labelName} and
+   * whose name begins with {@code fileName}. Unlike for the other methods, the file may have any
+   * size that fits in memory; the limit in pixels holds.
    *
    * @param path the picture's path
    * @param labelName the label, or its beginning; empty for any. Stored labels have 11 bytes
@@ -166,16 +165,15 @@ public final class LumigramJni {
     }
   }
 
-  /** What a stranger needs to put it right: what was tried, the reason, and both ways. */
+  /** Names what was tried, the reason of the failure, and both ways to fix it. */
   private static UnsatisfiedLinkError explained(String tried, UnsatisfiedLinkError reason) {
     String message =
         "The native library of lumigram cannot be loaded. Tried %s: %s. Either set the system"
-            + " property %s to the path of the library's file, or leave it unset and have %s in a"
-            + " folder of java.library.path, which is now \"%s\".";
-    UnsatisfiedLinkError error =
-        new UnsatisfiedLinkError(
-            String.format(message, tried, reason.getMessage(), LIBRARY_PATH_PROPERTY,
-                System.mapLibraryName(LIBRARY), System.getProperty("java.library.path")));
+        + " property %s to the path of the library's file, or leave it unset and have %s in a"
+        + " folder of java.library.path, which is now \"%s\".";
+    UnsatisfiedLinkError error = new UnsatisfiedLinkError(
+        String.format(message, tried, reason.getMessage(), LIBRARY_PATH_PROPERTY,
+            System.mapLibraryName(LIBRARY), System.getProperty("java.library.path")));
     error.initCause(reason);
     return error;
   }

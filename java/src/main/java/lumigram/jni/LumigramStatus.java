@@ -5,8 +5,8 @@ public final class LumigramStatus {
   private LumigramStatus() {}
 
   /**
-   * Says what a status means, in a few words. What exactly it stands for depends on the method that
-   * returned it, and is said there.
+   * Describes a status in a few words. The exact meaning depends on the method that returned it,
+   * whose description has it.
    *
    * @param status a status of any method
    * @return the words, never null; unknown codes have words too

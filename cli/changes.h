@@ -1,0 +1,57 @@
+// Changes to the metadata of a picture.
+#ifndef LUMIGRAM_CLI_CHANGES_H_
+#define LUMIGRAM_CLI_CHANGES_H_
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/picture_model.h"
+
+namespace lumigram::cli {
+
+// The texts are in standard UTF-8. Metadata without a change stay the same.
+struct Changes {
+  // Note and part change only when they are given.
+  struct LabelChange {
+    std::string name;
+    std::optional<std::string> note, part;
+  };
+
+  std::optional<std::vector<Label>> allLabels;
+  std::optional<std::vector<Tag>> allTags;
+  std::optional<std::string> category, type;
+  std::vector<LabelChange> labels;  // each changes the label of its name, or adds one
+  // The tags of one name replace all tags of that name; an empty content only removes them.
+  std::vector<Tag> tags;
+
+  bool Empty() const;
+};
+
+// Returns the changed document. The document may be the whole document of the picture or another
+// one. Texts that the picture has already keep their spelling; new ones are spelled as Java does.
+Document Apply(const Changes& changes, const Document& document, const Picture& picture);
+
+// These functions parse words of a command line. They throw Failure.
+
+std::string ParseText(std::string_view words);
+// NAME[:NOTE[:PART]], where \: is a colon.
+Changes::LabelChange ParseLabel(std::string_view words);
+// NAME=CONTENT
+Tag ParseTag(std::string_view words);
+// LABEL:TAG=FILE
+Tag ParseEmbed(std::string_view words);
+
+// Returns a tag that embeds the file. Throws Failure for a label that is not one of ours, and for a
+// file that cannot be read, is empty or is too large.
+Tag EmbedFile(const std::string& tagName, const std::string& label, const std::string& file);
+
+// Returns the stored name of a part of speech, given by its English name, its stored name or its
+// number. Throws Failure.
+std::string PartNamed(const std::string& words);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_CHANGES_H_

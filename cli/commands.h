@@ -1,0 +1,45 @@
+// The commands of the command line.
+#ifndef LUMIGRAM_CLI_COMMANDS_H_
+#define LUMIGRAM_CLI_COMMANDS_H_
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli/console.h"
+#include "cli/rewrite.h"
+
+namespace lumigram::cli {
+
+// After a signal, the exit status is kSignalled plus the signal's number.
+enum ExitStatus { kAllWell = 0, kSomeFailed = 1, kUsage = 2, kSignalled = 128 };
+
+// A mistake of the user, found before anything was done.
+class UsageError : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+struct Options {
+  std::vector<std::string> paths;
+  bool recursive = false;
+  bool json = false;
+  std::string name, label, picture, output, from;
+  std::vector<std::string> labels, tags, embeds;
+  std::optional<std::string> category, type;
+  RewriteOptions rewrite;
+
+  std::string Source() const { return from == "-" ? "standard input" : from; }
+};
+
+// Each returns the exit status, and may throw UsageError.
+int Show(const Options& options, Console* console);
+int Set(const Options& options, Console* console);
+int ShowTag(const Options& options, Console* console);
+int Extract(const Options& options, Console* console);
+int Check(const Options& options, Console* console);
+int Clear(const Options& options, Console* console);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_COMMANDS_H_

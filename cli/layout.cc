@@ -1,0 +1,62 @@
+#include "cli/layout.h"
+
+#include <errno.h>
+#include <string.h>
+
+#include "cli/files.h"
+#include "core/file/blobs.h"
+#include "core/file/extraction.h"
+
+namespace lumigram::cli {
+namespace {
+
+std::string Unpadded(std::string_view label) {
+  return std::string(label.substr(0, label.find_last_not_of('\0') + 1));
+}
+
+// A blob whose data have not been copied out of the picture yet.
+struct Place {
+  Blob blob;
+  FoundBlob found;  // without label and name, which were valid only during the visit
+};
+
+std::string CopyData(ByteSource& source, Kind kind, const FoundBlob& blob) {
+  std::string data(blob.size, '\0');
+  OutputBuffer room(reinterpret_cast<uint8_t*>(data.data()), blob.size);
+  const BlobFunctions* const functions = BlobFunctionsOf(kind);
+  if (functions == nullptr || functions->copyFound(source, blob, room) != kOk) {
+    throw Failure(kBadBlob, "a blob's data cannot be read");
+  }
+  return data;
+}
+
+}  // namespace
+
+Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes) {
+  std::vector<Place> places;
+  const auto collect = [](void* context, const FoundBlob& found) {
+    static_cast<std::vector<Place>*>(context)->push_back(
+        {{Unpadded(found.label), std::string(found.name), ""},
+         {{}, {}, found.position, found.size}});
+  };
+  Layout layout;
+  const ScopedFile stream = OpenMemory(bytes);
+  ByteSource source(stream.get());
+  if (SurveyPicture(source, kind, &layout.survey, {collect, &places}) != kOk) {
+    throw Failure(kMalformed, "the structure of this picture is damaged");
+  }
+  for (Place& place : places) {
+    place.blob.bytes = CopyData(source, kind, place.found);
+    layout.blobs.push_back(std::move(place.blob));
+  }
+  return layout;
+}
+
+ScopedFile OpenMemory(const std::vector<uint8_t>& bytes) {
+  // Opened for reading only: nothing is written through the pointer.
+  ScopedFile stream(fmemopen(const_cast<uint8_t*>(bytes.data()), bytes.size(), "rb"));
+  if (stream == nullptr) throw Failure(kNoRoom, strerror(errno));
+  return stream;
+}
+
+}  // namespace lumigram::cli

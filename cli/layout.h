@@ -1,0 +1,34 @@
+// The places of a picture's metadata as its writer finds them, which the readers do not report.
+#ifndef LUMIGRAM_CLI_LAYOUT_H_
+#define LUMIGRAM_CLI_LAYOUT_H_
+
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+#include "core/base/kind.h"
+#include "core/base/scoped.h"
+#include "core/document/survey.h"
+
+namespace lumigram::cli {
+
+struct Blob {
+  std::string label, name, bytes;
+  bool operator==(const Blob&) const = default;
+};
+
+struct Layout {
+  Survey survey;
+  std::vector<Blob> blobs;
+};
+
+// Surveys a picture that its reader has accepted, and copies its blobs. Throws Failure.
+Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes);
+
+// The bytes as a stream, for the functions of the core. They must outlive it. Throws Failure.
+ScopedFile OpenMemory(const std::vector<uint8_t>& bytes);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_LAYOUT_H_

@@ -1,0 +1,126 @@
+#include "cli/picture_model.h"
+
+#include <algorithm>
+
+#include "cli/spelling.h"
+#include "core/base/status.h"
+#include "core/document/blob_entries.h"
+#include "core/document/document_format.h"
+
+namespace lumigram::cli {
+namespace {
+
+void TakeDocument(const std::vector<char>& buffer, Reading* reading) {
+  const std::string_view text = buffer.data();
+  *reading = InspectDocument(text);
+  const auto isNul = [](char c) { return c == '\0'; };
+  if (!std::all_of(buffer.begin() + static_cast<ptrdiff_t>(text.size()), buffer.end(), isNul)) {
+    reading->Add(Finding::kUnread, kTooLong, "the document continues after a NUL");
+  }
+}
+
+bool IsSpelledOtherwise(const std::string& stored) { return ToJava(ToUtf8(stored)) != stored; }
+
+void FindInBlobs(const Picture& picture, Reading* reading) {
+  for (const Blob& blob : picture.blobs) {
+    const std::string which = "blob " + Quoted(blob.name);
+    if (!IsReferredTo(blob, reading->whole)) {
+      reading->Add(Finding::kUnread, kBadBlob, "no tag refers to " + which);
+    }
+    if (IsSpelledOtherwise(blob.name)) {
+      reading->Add(Finding::kNote, kOk, which + " has a spelling that Java does not find");
+    }
+  }
+  for (const Tag& tag : reading->whole.tags) {
+    const std::string which = "tag " + Quoted(tag.name);
+    const auto isMeant = [&tag](const Blob& blob) {
+      return Keeps(BlobName(tag.content), blob.name);
+    };
+    if (RefersToThisPicture(tag.content) &&
+        std::none_of(picture.blobs.begin(), picture.blobs.end(), isMeant)) {
+      reading->Add(Finding::kNote, kOk, which + " refers to a blob that does not exist");
+    }
+    if (IsSpelledOtherwise(tag.name)) {
+      reading->Add(Finding::kNote, kOk, which + " has a spelling that Java does not look up");
+    }
+  }
+}
+
+void FindInSurvey(const Survey& survey, size_t size, Reading* reading) {
+  if (survey.documentAfterImage) {
+    reading->Add(Finding::kNote, kOk, "the document follows the first image");
+  }
+  if (survey.documents > 1) {
+    reading->Add(Finding::kUnread, kTooLong, "there are further documents, which are not read");
+  }
+  if (survey.brokenBlobs > 0) {
+    reading->Add(Finding::kUnread, kBadBlob, "a blob has wrong lengths: it is not read");
+  }
+  if (survey.foreignBlobs > 0) {
+    reading->Add(Finding::kDropped, kBadBlob,
+                 "a blob's label does not begin with EMJ: rewriting drops it");
+  }
+  if (size > survey.end) {
+    reading->Add(Finding::kDropped, kMalformed,
+                 std::to_string(size - survey.end) +
+                     " bytes follow the end of the picture: rewriting drops them");
+  }
+}
+
+}  // namespace
+
+const char* Picture::KindName() const {
+  switch (kind) {
+    case Kind::kGif:
+      return "GIF";
+    case Kind::kJpeg:
+      return "JPEG";
+    case Kind::kPng:
+      return "PNG";
+  }
+  return "";
+}
+
+const Finding* Picture::First(Finding::Severity severity) const {
+  const auto isWanted = [severity](const Finding& finding) { return finding.severity == severity; };
+  const auto found = std::find_if(reading.findings.begin(), reading.findings.end(), isWanted);
+  return found == reading.findings.end() ? nullptr : &*found;
+}
+
+Picture ReadPicture(const std::string& path) {
+  FileType type = kFileTypeUnknown;
+  if (GetFileType(path.c_str(), &type) != kOk) {
+    throw Failure(kUnsupported, LumigramStatusText(kUnsupported));
+  }
+  return InspectPicture(static_cast<Kind>(type), ReadRegularFile(path));
+}
+
+Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes) {
+  Picture picture;
+  picture.kind = kind;
+  picture.bytes = std::move(bytes);
+  const ScopedFile stream = OpenMemory(picture.bytes);
+  std::vector<char> document(kLumigramDocumentBufferBytes);
+  const int32_t status = GetXmlString(stream.get(), static_cast<FileType>(kind), document.data(),
+                                      &picture.height, &picture.width, &picture.pop);
+  if (status != kOk && status != kNoDocument) {
+    const bool noFrame = status == kNoFrameHeader;
+    throw Failure(status, noFrame ? "a JPEG without dimensions" : LumigramStatusText(status));
+  }
+  picture.hasDocument = status == kOk;
+  if (picture.hasDocument) TakeDocument(document, &picture.reading);
+  Layout layout = LayOut(kind, picture.bytes);
+  picture.blobs = std::move(layout.blobs);
+  FindInBlobs(picture, &picture.reading);
+  FindInSurvey(layout.survey, picture.bytes.size(), &picture.reading);
+  return picture;
+}
+
+bool IsReferredTo(const Blob& blob, const Document& document) {
+  return std::any_of(document.tags.begin(), document.tags.end(), [&blob](const Tag& tag) {
+    return tag.blob == nullptr && RefersToThisPicture(tag.content) &&
+           Keeps(BlobName(tag.content), blob.name);
+  });
+}
+
+}  // namespace lumigram::cli

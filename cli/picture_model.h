@@ -1,0 +1,41 @@
+// A picture: its bytes, its document, its blobs, and the findings about them.
+#ifndef LUMIGRAM_CLI_PICTURE_MODEL_H_
+#define LUMIGRAM_CLI_PICTURE_MODEL_H_
+
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+#include "cli/document_model.h"
+#include "cli/layout.h"
+#include "core/base/kind.h"
+
+namespace lumigram::cli {
+
+struct Picture {
+  Kind kind = Kind::kGif;
+  std::vector<uint8_t> bytes;
+  int32_t width = 0, height = 0, pop = 0;
+  bool hasDocument = false;
+  Reading reading;  // the findings of the picture as well as those of its document
+  std::vector<Blob> blobs;
+
+  const Document& GetDocument() const { return reading.whole; }
+  const char* KindName() const;
+  // The first finding of that kind; null when there is none.
+  const Finding* First(Finding::Severity severity) const;
+};
+
+// Reads the picture at a path, which must name a regular file. Throws Failure.
+Picture ReadPicture(const std::string& path);
+
+// Takes a complete picture apart. Throws Failure when the library cannot read it.
+Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes);
+
+// Whether a tag of the document keeps the blob in the picture when it is rewritten.
+bool IsReferredTo(const Blob& blob, const Document& document);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_PICTURE_MODEL_H_

@@ -1,0 +1,269 @@
+#include "cli/rewrite.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <tuple>
+
+#include "cli/spelling.h"
+#include "core/base/utf8.h"
+#include "core/document/blob_entries.h"
+#include "core/document/document_builder.h"
+#include "core/document/document_format.h"
+#include "core/file/blobs.h"
+#include "core/write/build_picture.h"
+#include "core/write/replace_file.h"
+
+namespace lumigram::cli {
+namespace {
+
+// ---- checks before writing ----------------------------------------------------------------------
+
+void RequireReadable(const Document& document) {
+  for (const Finding& finding : FindUnread(document)) {
+    if (finding.severity == Finding::kUnread) throw Failure(finding.code, finding.text);
+  }
+}
+
+// An embedded blob must not have the name of a blob that stays, or of one that an earlier tag
+// refers to.
+void RequireDistinctBlobs(const Document& document, const std::vector<Blob>& blobs) {
+  for (auto tag = document.tags.begin(); tag != document.tags.end(); ++tag) {
+    if (tag->blob == nullptr) continue;
+    const std::string& name = tag->blob->name;
+    const auto refers = [&name](const Tag& earlier) {
+      return BlobReference(earlier.content) == name;
+    };
+    const auto stays = [&](const Blob& blob) {
+      return blob.name == name && IsReferredTo(blob, document);
+    };
+    if (std::any_of(document.tags.begin(), tag, refers) ||
+        std::any_of(blobs.begin(), blobs.end(), stays)) {
+      throw Failure(kDuplicateBlob, "two blobs would have the name " + Quoted(name));
+    }
+  }
+}
+
+// Returns the record of a document that is within all limits.
+std::unique_ptr<AttrInfo> ToRecord(const Document& document) {
+  auto record = std::make_unique<AttrInfo>();
+  for (size_t i = 0; i < document.labels.size(); ++i) {
+    CopyText(record->name[i], document.labels[i].name);
+    CopyText(record->note[i], document.labels[i].note);
+    CopyText(record->part[i], document.labels[i].part);
+  }
+  CopyText(record->category, document.category);
+  CopyText(record->type, document.type);
+  for (size_t i = 0; i < document.tags.size(); ++i) {
+    const Tag& tag = document.tags[i];
+    AppExtEntry& blob = record->appExt[i];
+    CopyText(record->tag[i].tagName, tag.name);
+    CopyText(record->tag[i].tagElement, tag.content);
+    if (tag.blob == nullptr && !RefersToThisPicture(tag.content)) continue;
+    CopyText(blob.fileName, BlobReference(tag.content));
+    CopyText(blob.binaryDataUri, tag.blob ? tag.blob->path : tag.content);
+    if (tag.blob != nullptr) CopyText(blob.labelName, tag.blob->label);
+  }
+  return record;
+}
+
+// ---- building and reading back ------------------------------------------------------------------
+
+// Describes the text whose markup changes the meaning of a document.
+std::string DescribeMarkup(const Document& document) {
+  static constexpr const char* kMarkup[] = {kRootStart, kRootEnd, kLabelStart,    kLabelEnd,
+                                            kNameStart, kNameEnd, kNoteStart,     kNoteEnd,
+                                            kPartStart, kPartEnd, kCategoryStart, kCategoryEnd,
+                                            kTypeStart, kTypeEnd, kTagsStart,     kTagsEnd};
+  std::string description = "a text would be read as markup of the document";
+  bool described = false;
+  ForEachText(document, [&](const std::string& what, const std::string& text) {
+    const auto holds = [&text](const char* markup) {
+      return text.find(markup) != std::string::npos;
+    };
+    const auto* const found = std::find_if(std::begin(kMarkup), std::end(kMarkup), holds);
+    const bool endsName = what.starts_with("the name of tag") && holds(kAttributeEnd);
+    if (described || (found == std::end(kMarkup) && !endsName)) return;
+    described = true;
+    description = what + " holds " + (endsName ? kAttributeEnd : *found) +
+                  ", which is markup of the document";
+  });
+  return description;
+}
+
+std::vector<Blob> WantedBlobs(const Document& document, const std::vector<Blob>& blobs) {
+  std::vector<Blob> wanted;
+  std::copy_if(blobs.begin(), blobs.end(), std::back_inserter(wanted),
+               [&document](const Blob& blob) { return IsReferredTo(blob, document); });
+  for (const Tag& tag : document.tags) {
+    if (tag.blob) wanted.push_back({tag.blob->label, tag.blob->name, tag.blob->bytes});
+  }
+  return wanted;
+}
+
+// Ignores the order: kept blobs stay in their places, before or after the new ones.
+bool AreSame(std::vector<Blob> a, std::vector<Blob> b) {
+  const auto less = [](const Blob& x, const Blob& y) {
+    return std::tie(x.name, x.label, x.bytes) < std::tie(y.name, y.label, y.bytes);
+  };
+  std::sort(a.begin(), a.end(), less);
+  std::sort(b.begin(), b.end(), less);
+  return a == b;
+}
+
+Document WithoutFiles(Document document) {
+  for (Tag& tag : document.tags) tag.blob = nullptr;
+  return document;
+}
+
+// Builds the text of a document, and checks that it reads back as the same document.
+void BuildText(const Document& document, const AttrInfo& record, XmlStringInfo* text) {
+  if (const Status status = BuildDocument(record, text); status != kOk) {
+    throw Failure(status, "the document would be over 10,239 bytes");
+  }
+  const Reading reading = InspectDocument(text->text);
+  const Document wanted = WithoutFiles(document);
+  if (reading.whole != wanted || reading.asRead != wanted) {
+    throw Failure(kTooLong, DescribeMarkup(wanted));
+  }
+}
+
+// Builds the picture in memory; an empty text means no document.
+Picture Build(const Picture& source, const XmlStringInfo& text, const AttrInfo& record) {
+  const ScopedFile stream = OpenMemory(source.bytes);
+  NewPicture built;
+  ByteSource original(stream.get());
+  const Status status = BuildPicture(original, source.kind, text, record, &built);
+  if (status == kTooLong) throw Failure(status, "the document is too long for a PNG picture");
+  if (status == kPictureTooLarge) throw Failure(status, "the picture would be over 2 MiB");
+  if (status != kOk) throw Failure(status, LumigramStatusText(status));
+  const uint8_t* const bytes = built.bytes.get();
+  return InspectPicture(source.kind, {bytes, bytes + built.length});
+}
+
+Picture BuildWith(const Picture& source, const Document& document) {
+  RequireReadable(document);
+  RequireDistinctBlobs(document, source.blobs);
+  const auto record = ToRecord(document);
+  const auto text = std::make_unique<XmlStringInfo>();
+  BuildText(document, *record, text.get());
+  Picture built = Build(source, *text, *record);
+  if (!built.hasDocument || built.GetDocument() != WithoutFiles(document)) {
+    throw Failure(kMalformed, "this picture has no place where a document is read");
+  }
+  if (!AreSame(built.blobs, WantedBlobs(document, source.blobs))) {
+    throw Failure(kBadBlob, "the new picture would not have the blobs that it should have");
+  }
+  if (const Finding* const lost = built.First(Finding::kUnread)) {
+    throw Failure(lost->code, "even the new picture would lose something: " + lost->text);
+  }
+  return built;
+}
+
+// ---- storing ------------------------------------------------------------------------------------
+
+// Writes a copy of the picture to a file that must not exist.
+void WriteBackup(const std::string& path, const std::string& backup, const Picture& picture) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) throw Failure(kCannotWrite, strerror(errno));
+  try {
+    WriteFile(backup, picture.bytes, status.st_mode & 0777, Existing::kRefuse);
+  } catch (const Failure& failure) {
+    throw Failure(kCannotWrite, "the backup " + Quoted(backup) + ": " + failure.what());
+  }
+}
+
+void Store(const std::string& path, const Picture& old, const Picture& built,
+           const RewriteOptions& options) {
+  const std::string backup = path + options.backupSuffix;
+  if (!options.backupSuffix.empty()) WriteBackup(path, backup, old);
+  errno = 0;
+  if (ReplaceFile(path.c_str(), built.bytes) == kOk) return;
+  const std::string reason = errno == 0 ? "" : std::string(": ") + strerror(errno);
+  if (!options.backupSuffix.empty()) unlink(backup.c_str());
+  throw Failure(kCannotWrite, "cannot be written" + reason);
+}
+
+std::optional<Picture> Finish(const std::string& path, const Picture& old, Picture built,
+                              const RewriteOptions& options) {
+  if (built.bytes == old.bytes) return std::nullopt;
+  if (!options.dryRun) Store(path, old, built, options);
+  return built;
+}
+
+void RequireNothingLost(const Picture& picture, Finding::Severity severity,
+                        const RewriteOptions& options) {
+  const Finding* const finding = options.force ? nullptr : picture.First(severity);
+  if (finding == nullptr) return;
+  throw Failure(finding->code, finding->text + "; --force rewrites the picture anyway");
+}
+
+// The part of the document that a reader delivers, reduced to what can be written again.
+Document Delivered(const Picture& picture) {
+  Document document = picture.reading.asRead;
+  const auto repair = [](std::string* text) {
+    if (!IsValidText(*text)) *text = ToJava(*text);
+  };
+  for (Label& label : document.labels) {
+    repair(&label.name);
+    repair(&label.note);
+  }
+  repair(&document.category);
+  repair(&document.type);
+  for (Tag& tag : document.tags) {
+    repair(&tag.name);
+    repair(&tag.content);
+  }
+  std::erase_if(document.labels, [](const Label& label) { return label.name.empty(); });
+  std::erase_if(document.tags, [](const Tag& tag) { return tag.name.empty(); });
+  const auto holdsText = [](const Tag& tag) { return !tag.content.empty(); };
+  const auto first = std::find_if(document.tags.begin(), document.tags.end(), holdsText);
+  document.tags.erase(document.tags.begin(), first);
+  return document;
+}
+
+}  // namespace
+
+std::optional<Picture> SetPicture(const std::string& path, const Picture& picture,
+                                  const Changes& changes, const RewriteOptions& options) {
+  Document wanted = Apply(changes, options.replace ? Document{} : picture.GetDocument(), picture);
+  const bool dropsBlobs = options.replace && WantedBlobs(wanted, picture.blobs) != picture.blobs;
+  if (wanted == picture.GetDocument() && !dropsBlobs) return std::nullopt;
+  RequireNothingLost(picture, Finding::kDropped, options);
+  if (!options.replace) RequireNothingLost(picture, Finding::kUnread, options);
+  if (!options.replace && picture.First(Finding::kUnread)) {
+    wanted = Apply(changes, Delivered(picture), picture);
+  }
+  for (const Tag& tag : wanted.tags) {
+    if (tag.blob && BlobFunctionsOf(picture.kind) == nullptr) {
+      throw Failure(kBadBlob, std::string("a ") + picture.KindName() + " picture carries no blobs");
+    }
+  }
+  return Finish(path, picture, BuildWith(picture, wanted), options);
+}
+
+std::optional<Picture> ClearPicture(const std::string& path, const Picture& picture,
+                                    const RewriteOptions& options) {
+  if (!picture.hasDocument && picture.blobs.empty()) return std::nullopt;
+  RequireNothingLost(picture, Finding::kDropped, options);
+  const auto record = std::make_unique<AttrInfo>();
+  const auto text = std::make_unique<XmlStringInfo>();
+  Picture built = Build(picture, *text, *record);
+  if (built.hasDocument || !built.blobs.empty()) {
+    throw Failure(kMalformed, "the document is in a place from which it cannot be removed");
+  }
+  return Finish(path, picture, std::move(built), options);
+}
+
+void RequireWritable(const Changes& changes) {
+  const Document document = Apply(changes, {}, Picture());
+  RequireReadable(document);
+  XmlStringInfo text;
+  BuildText(document, *ToRecord(document), &text);
+}
+
+}  // namespace lumigram::cli

@@ -1,0 +1,33 @@
+// Rewrites one picture. The new picture is built in memory, read back and checked before it is
+// stored.
+#ifndef LUMIGRAM_CLI_REWRITE_H_
+#define LUMIGRAM_CLI_REWRITE_H_
+
+#include <optional>
+#include <string>
+
+#include "cli/changes.h"
+#include "cli/picture_model.h"
+
+namespace lumigram::cli {
+
+struct RewriteOptions {
+  bool replace = false;      // start from an empty document
+  bool force = false;        // rewrite even if something is lost
+  bool dryRun = false;       // build, but store nothing
+  std::string backupSuffix;  // empty: no backup
+};
+
+// Returns the new picture, which has been stored unless this is a dry run; none when nothing
+// changes. Throws Failure; the file is then unchanged.
+std::optional<Picture> SetPicture(const std::string& path, const Picture& picture,
+                                  const Changes& changes, const RewriteOptions& options);
+std::optional<Picture> ClearPicture(const std::string& path, const Picture& picture,
+                                    const RewriteOptions& options);
+
+// Applies the changes to an empty document. Throws Failure if no picture can hold the result.
+void RequireWritable(const Changes& changes);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_REWRITE_H_

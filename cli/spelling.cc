@@ -1,0 +1,94 @@
+#include "cli/spelling.h"
+
+#include <stdint.h>
+#include <stdio.h>
+#include <wchar.h>
+
+#include "core/base/utf8.h"
+
+namespace lumigram::cli {
+namespace {
+
+template <typename Function>
+void ForEachCharacter(std::string_view text, Function function) {
+  while (!text.empty()) {
+    const Utf8Character character = FirstCharacter(text);
+    function(character.code, text.substr(0, character.size));
+    text.remove_prefix(character.size);
+  }
+}
+
+void Append(uint32_t code, std::string* out) {
+  char bytes[4];
+  out->append(bytes, PutSequence(code, bytes));
+}
+
+// Whether the character has no width and changes the direction or the lines of the text around it.
+bool TurnsDirection(uint32_t code) {
+  return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+         (code >= 0x2066 && code <= 0x2069);
+}
+
+}  // namespace
+
+std::string ToUtf8(std::string_view stored) {
+  std::string text;
+  ForEachCharacter(stored, [&](uint32_t code, std::string_view) {
+    Append(code == kNoCharacter ? kReplacementCharacter : code, &text);
+  });
+  return text;
+}
+
+std::string ToJava(std::string_view text) {
+  std::string stored;
+  ForEachCharacter(text, [&](uint32_t code, std::string_view) {
+    char bytes[6];
+    code = code == kNoCharacter ? kReplacementCharacter : code;
+    stored.append(bytes, PutJavaCharacter(code, bytes));
+  });
+  return stored;
+}
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  ForEachCharacter(text, [&](uint32_t code, std::string_view bytes) {
+    char escape[16] = "";
+    if (code == '\n') return (void)(printable += "\\n");
+    if (code == '\t') return (void)(printable += "\\t");
+    if (code == kNoCharacter) {
+      for (char c : bytes) {
+        snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(static_cast<uint8_t>(c)));
+        printable += escape;
+      }
+    } else if (code < 0x20 || (code >= 0x7F && code < 0xA0) || TurnsDirection(code)) {
+      snprintf(escape, sizeof escape, "\\u{%x}", static_cast<unsigned>(code));
+      printable += escape;
+    } else {
+      Append(code, &printable);
+    }
+  });
+  return printable;
+}
+
+std::string Quoted(std::string_view text) {
+  constexpr size_t kShown = 40;
+  std::string quoted = "\"";
+  ForEachCharacter(text, [&](uint32_t, std::string_view bytes) {
+    if (quoted.size() <= kShown)
+      quoted += Printable(bytes);
+    else if (!quoted.ends_with("..."))
+      quoted += "...";
+  });
+  return quoted + "\"";
+}
+
+size_t Columns(std::string_view printable) {
+  size_t columns = 0;
+  ForEachCharacter(printable, [&](uint32_t code, std::string_view) {
+    const int width = wcwidth(static_cast<wchar_t>(code));
+    columns += width < 0 ? 1 : static_cast<size_t>(width);
+  });
+  return columns;
+}
+
+}  // namespace lumigram::cli

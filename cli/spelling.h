@@ -1,0 +1,34 @@
+// The spelling of texts: in a picture, in standard UTF-8, and on a terminal.
+//
+// A picture's texts are UTF-8 by convention, but a character outside the basic plane has two
+// spellings: one four-byte sequence, as other programs write it, and Java's surrogate pair of two
+// three-byte sequences. The tool reads both and writes Java's. The command line, JSON and the
+// output are standard UTF-8.
+#ifndef LUMIGRAM_CLI_SPELLING_H_
+#define LUMIGRAM_CLI_SPELLING_H_
+
+#include <string>
+#include <string_view>
+
+namespace lumigram::cli {
+
+// Returns a stored text in standard UTF-8. Every sequence that is no character becomes U+FFFD.
+std::string ToUtf8(std::string_view stored);
+
+// Returns a text in Java's spelling. Every sequence that is no character becomes U+FFFD.
+std::string ToJava(std::string_view text);
+
+// Returns a text that can be printed on one line of a terminal: control characters, characters that
+// change the direction of writing, and bytes that are no text appear as \n, \u{202e} and \xff.
+std::string Printable(std::string_view text);
+
+// Returns the beginning of a text, printable and in quotes, for a message.
+std::string Quoted(std::string_view text);
+
+// Returns the columns that a printable text takes on a terminal, where East Asian characters are
+// wide. Requires setlocale(LC_CTYPE) with a UTF-8 locale.
+size_t Columns(std::string_view printable);
+
+}  // namespace lumigram::cli
+
+#endif  // LUMIGRAM_CLI_SPELLING_H_

@@ -1,0 +1,15 @@
+// Reads one tag group of a picture.
+#ifndef LUMIGRAM_CORE_FILE_TAG_INFO_H_
+#define LUMIGRAM_CORE_FILE_TAG_INFO_H_
+
+#include "core/base/status.h"
+#include "core/file/picture_file.h"
+
+namespace lumigram {
+
+// As GetTagInfo(), for a file that has been opened.
+Status LookUpTags(const PictureFile& picture, const char* tagName, char results[10][1025]);
+
+}  // namespace lumigram
+
+#endif  // LUMIGRAM_CORE_FILE_TAG_INFO_H_
