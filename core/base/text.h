@@ -14,7 +14,7 @@ namespace lumigram {
 template <size_t N>
 void CopyText(char (&field)[N], std::string_view text) {
   const size_t size = text.size() < N - 1 ? text.size() : N - 1;
-  if (size > 0) memcpy(field, text.data(), size);
+  memcpy(field, text.empty() ? "" : text.data(), size);  // an empty text may have no address
   field[size] = '\0';
 }
 
