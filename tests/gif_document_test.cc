@@ -82,7 +82,8 @@ TEST(GifReader, PopFlag) {
         kGifPopMarker + bad + kGifPopMarker + GifComment("Creator=a\r\nEmojiID=b"), 0);
   for (const char* text :
        {"", "a", "\r\nEmojiID=b", "a\nEmojiID=b", "a\rEmojiID=b", "a b\r\nEmojiID=b",
-        "a\r\nEmojiId=b", "a\r\nEmojiID=", "a\r\nEmojiID=b\r\n", "a\r\nEmojiID=\xC3\xA9"}) {
+        "a\r\nEmojiId=b", "\377a\r\nEmojiID=b", "a\r\nEmojiID=\377b",
+        "a\r\nEmojiID=", "a\r\nEmojiID=b\r\n", "a\r\nEmojiID=\xC3\xA9"}) {
     const Bytes creator = GifComment("Creator=" + std::string(text));
     CheckRead(text, kScreen + kGifPopMarker + creator + kEnd, "0 100x80 0");
   }

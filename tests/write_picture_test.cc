@@ -41,7 +41,8 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
   const std::string empty = folder.Write("empty", {}), half = folder.Write("half", {});
   std::filesystem::resize_file(half, 2139095023);  // two of them are estimated at 2^32 bytes
   const Bytes jpeg = kJpegStart + JpegFrame() + kJpegScan + kJpegEnd;
-  const Bytes gif = GifScreen() + GifBlob("EMJ", "b", Bytes(300)) + GifImage() + kGifEnd;
+  const Bytes gif =
+      GifScreen() + GifApplication("", {}) + GifBlob("EMJ", "b", Bytes(300)) + GifImage() + kGifEnd;
   const Bytes png = PngStart() + PngBlob("EMJ00000000", "b", Bytes(300)) + kPngImage + kPngEnd;
   AttrInfo attr = {};
   EXPECT_EQ(Write(attr, kFileTypeJpeg, jpeg, kEstimate, {missing}), 0);
@@ -63,7 +64,7 @@ TEST(SetXmlStringToFile, LimitsAndOrderOfFaults) {
     for (const std::string& uri : {half, empty, missing})
       EXPECT_EQ(Write(attr, type, picture, 0, {uri, uri}), -99) << uri << ", type " << type;
     // The estimate wraps: the writer finds the fault of the picture first, not the missing room.
-    EXPECT_EQ(Write(attr, type, FirstOf(picture, 33), 0, {half, half}), -30) << "type " << type;
+    EXPECT_EQ(Write(attr, type, FirstOf(picture, 36), 0, {half, half}), -30) << "type " << type;
   }
   // The smallest blobs, and a document of 10,234 bytes, take more than the estimate.
   for (int i = 0; i < 10; ++i) {
