@@ -37,10 +37,17 @@ bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size) {
   return true;
 }
 
-ByteSource::ByteSource(FILE* stream) : stream_(stream) {}
+ByteSource::ByteSource(FILE* stream) : stream_(stream), held_(block_) {}
 
 ByteSource::ByteSource(int descriptor, uint64_t size)
-    : stream_(nullptr), descriptor_(descriptor), measured_(true), end_(size) {}
+    : stream_(nullptr), descriptor_(descriptor), measured_(true), end_(size), held_(block_) {}
+
+ByteSource::ByteSource(std::span<const uint8_t> bytes)
+    : stream_(nullptr),
+      measured_(true),
+      end_(bytes.size()),
+      held_(bytes.data()),
+      filled_(static_cast<uint32_t>(bytes.size())) {}
 
 ByteSource::~ByteSource() {
   if (stream_ != nullptr && descriptor_ >= 0 && Position() != streamAt_)
@@ -126,7 +133,7 @@ bool ByteSource::ReadThroughBlock(std::span<uint8_t> out) {
     } else {
       if (taken == 0 && !FillBlockHere()) return false;
       taken = std::min<size_t>(filled_ - next_, out.size());
-      memcpy(out.data(), block_ + next_, taken);
+      memcpy(out.data(), held_ + next_, taken);
       next_ += static_cast<uint32_t>(taken);
     }
     out = out.subspan(taken);
@@ -170,14 +177,14 @@ bool ByteSource::Compare(std::string_view text, bool* equal) {
   return true;
 }
 
-// memchr() searches the bytes of the block. The pair may begin in one block and end in the next.
+// memchr() searches the bytes that are held. The pair may begin in one block and end in the next.
 bool ByteSource::SkipPast(uint8_t first, uint8_t second) {
   uint8_t byte;
   for (bool afterFirst = false;; afterFirst = byte == first) {
     if (!afterFirst && next_ < filled_) {
-      const void* hit = memchr(block_ + next_, first, filled_ - next_);
+      const void* hit = memchr(held_ + next_, first, filled_ - next_);
       next_ = hit == nullptr ? filled_
-                             : static_cast<uint32_t>(static_cast<const uint8_t*>(hit) - block_);
+                             : static_cast<uint32_t>(static_cast<const uint8_t*>(hit) - held_);
     }
     if (!ReadByte(&byte)) return false;
     if (afterFirst && byte == second) return true;

@@ -1,4 +1,4 @@
-// Reads the bytes of a picture, from a stream or from the descriptor of a regular file.
+// Reads the bytes of a picture, from a stream, from the descriptor of a regular file, or from memory.
 #ifndef LUMIGRAM_CORE_BASE_BYTE_SOURCE_H_
 #define LUMIGRAM_CORE_BASE_BYTE_SOURCE_H_
 
@@ -6,6 +6,7 @@
 #include <stdio.h>
 
 #include <algorithm>
+#include <atomic>
 #include <span>
 #include <string_view>
 
@@ -18,14 +19,20 @@ bool IsReadOnlyFile(FILE* stream, int* descriptor, uint64_t* size);
 // The largest file position that is accepted: ftell() returns no larger one on a 32-bit machine.
 inline constexpr uint64_t kMaxPosition = INT32_MAX;
 
-// A cursor over the bytes of a stream or a file that it borrows and never closes. Its functions
-// return true or false and no status: the calling operation decides which status a false means.
+// A cursor over the bytes of a stream, a file or memory, which it borrows and never releases. Its
+// functions return true or false and no status: the calling operation decides which status a false
+// means.
 //
 // A regular file that is open for reading only is read ahead. Measure() reads a small file to its
 // end; a larger one is read in pieces with pread(), without the stream. The destructor moves the
 // stream to the position where the walk stopped. Every other stream (a pipe, memory, one that is
 // also written) is read through stdio, exactly as far as asked, so that its position is right at
 // any time.
+//
+// Memory may change while it is read, like an array that another thread of Java writes to. Callers
+// decide by copies of the bytes only, and the fences after each copy keep the compiler from reading
+// the memory a second time in place of the copy. Sizes are compared with the size that the
+// constructor was given.
 //
 // Invariant after Measure(): Position() <= the end that it found. If the file grows later, the new
 // bytes are not read.
@@ -35,6 +42,8 @@ class ByteSource {
   // Reads a regular file of at most kMaxPosition bytes from its start, without a stream. Counts as
   // measured.
   ByteSource(int descriptor, uint64_t size);
+  // Reads at most kMaxPosition bytes of memory. Counts as measured.
+  explicit ByteSource(std::span<const uint8_t> bytes);
   ~ByteSource();
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
@@ -47,13 +56,15 @@ class ByteSource {
   // Reads exactly out.size() bytes; false on a short read.
   [[nodiscard]] bool Read(std::span<uint8_t> out) {
     if (out.size() > filled_ - next_) return ReadPastBlock(out);
-    std::copy_n(block_ + next_, out.size(), out.begin());
+    std::copy_n(held_ + next_, out.size(), out.begin());
     next_ += static_cast<uint32_t>(out.size());
+    std::atomic_signal_fence(std::memory_order_acq_rel);
     return true;
   }
   [[nodiscard]] bool ReadByte(uint8_t* out) {
     if (next_ < filled_) {
-      *out = block_[next_++];
+      *out = held_[next_++];
+      std::atomic_signal_fence(std::memory_order_acq_rel);
       return true;
     }
     return Read({out, 1});
@@ -107,14 +118,16 @@ class ByteSource {
   // One pread(), repeated when a signal interrupts it.
   size_t ReadSomeAt(uint64_t position, std::span<uint8_t> room) const;
 
-  FILE* const stream_;   // null: a file without a stream
+  FILE* const stream_;   // null: a file without a stream, or memory
   int descriptor_ = -1;  // of a regular file that is read ahead; -1: the stream is read
   bool measured_ = false;
   uint64_t start_ = 0;
   uint64_t end_ = 0;
   uint64_t streamAt_ = 0;  // the stream's position while pread() reads its file
-  // block_[0, filled_) are the file's bytes from blockStart_ on; next_ of them have been read. If
-  // the stream is read, the block stays empty, and blockStart_ is the position.
+  // held_[0, filled_) are the source's bytes from blockStart_ on; next_ of them have been read. If
+  // the stream is read, none are held, and blockStart_ is the position. Memory is held whole; of a
+  // file, the block holds a part.
+  const uint8_t* const held_;
   uint64_t blockStart_ = 0;
   uint32_t next_ = 0;
   uint32_t filled_ = 0;

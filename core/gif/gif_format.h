@@ -7,6 +7,7 @@
 
 #include <concepts>
 #include <span>
+#include <string_view>
 
 #include "core/base/byte_source.h"
 #include "core/base/bytes.h"
@@ -16,6 +17,9 @@
 #include "core/document/survey.h"
 
 namespace lumigram {
+
+inline constexpr std::string_view kGif87Signature = "GIF87a";
+inline constexpr std::string_view kGif89Signature = "GIF89a";
 
 // The first byte of a block.
 inline constexpr uint8_t kGifExtension = 0x21;  // a label and a chain of sub-blocks follow

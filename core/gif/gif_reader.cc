@@ -9,7 +9,6 @@
 namespace lumigram {
 namespace {
 
-constexpr std::string_view kPopSignature = "GIF89a";
 constexpr std::string_view kPopMarker = "HTMLEMJI1.0";
 constexpr std::string_view kCreatorKey = "Creator=";
 constexpr std::string_view kEmojiIdKey = "EmojiID=";
@@ -69,7 +68,7 @@ Status DocumentReader::ReadScreen(ByteSource& source, GifScreen* screen) const {
   const std::span<uint8_t> bytes(screen->bytes);
   const std::span<uint8_t> signature = bytes.first(GifScreen::kSignatureSize);
   if (!source.Read(signature)) return kMalformed;
-  if (BeginsWith(signature, kPopSignature)) *out_.pop = 1;
+  if (BeginsWith(signature, kGif89Signature)) *out_.pop = 1;
   if (!source.Read(bytes.subspan(GifScreen::kSignatureSize))) return kMalformed;
   *out_.width = screen->Width();
   *out_.height = screen->Height();
