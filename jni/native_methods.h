@@ -1,4 +1,4 @@
-// The native methods of the Java class lumigram.jni.LumigramJni. All are static.
+// The native methods of the Java classes in lumigram.jni. All are static.
 #ifndef LUMIGRAM_JNI_NATIVE_METHODS_H_
 #define LUMIGRAM_JNI_NATIVE_METHODS_H_
 
@@ -37,6 +37,9 @@ JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramJni_getLumigramTagInfo(JNIEnv* 
 // given ones; null when there is no such blob, when it is empty, and for every failure.
 JNIEXPORT jbyteArray JNICALL Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(
     JNIEnv* env, jclass, jstring path, jstring labelName, jstring fileName);
+
+// Returns the version of the library, or null with a pending exception when there is no memory.
+JNIEXPORT jstring JNICALL Java_lumigram_jni_LibraryLoader_libraryVersion(JNIEnv* env, jclass);
 
 }  // extern "C"
 

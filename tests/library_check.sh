@@ -16,10 +16,10 @@ used=$(awk '$5 == "GLOBAL" && $7 == "UND" { print $8 }' <<<"$symbols" |
   sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d; /^__fwritable$/d')
 same "uses only what Android has had since level 21" "" "$(grep -vxFf "$root/cmake/android-libc.txt" <<<"$used")"
 
-# The exports are exactly the functions of the header and the native methods of the Java class.
+# The exports are exactly the functions of the header and the native methods of the Java classes.
 functions=$(sed -nE 's/^LUMIGRAM_API .*[ *]([A-Z][A-Za-z0-9]*)\(.*/\1/p' "$root/include/lumigram.h")
-natives=$(sed -nE 's/.* native .* ([a-z][A-Za-z0-9]*)\(.*/Java_lumigram_jni_LumigramJni_\1/p' \
-  "$root/java/src/main/java/lumigram/jni/LumigramJni.java")
+natives=$(cd "$root/java/src/main/java/lumigram/jni" && grep -E ' native .*\(' ./*.java |
+  sed -E 's/^.*\/(.*)\.java:.* ([a-z][A-Za-z0-9]*)\(.*/Java_lumigram_jni_\1_\2/')
 exported=$(awk '$5 != "LOCAL" && $7 != "UND" && $8 != "" && $8 != "Name" { print $8 }' <<<"$symbols")
 same "exports the header's functions and the native methods" \
   "$(printf '%s\n' "$functions" "$natives" | sort)" "$(sort <<<"$exported")"

@@ -1,7 +1,5 @@
 package lumigram.jni;
 
-import java.io.File;
-
 /**
  * The native methods: reading and writing the metadata of small emoji pictures, which are GIF, PNG
  * and JPEG files.
@@ -20,12 +18,10 @@ import java.io.File;
  */
 public final class LumigramJni {
   /** The name of the system property that may hold the path of the native library's file. */
-  public static final String LIBRARY_PATH_PROPERTY = "lumigram.library.path";
-
-  private static final String LIBRARY = "LumigramJniNative";
+  public static final String LIBRARY_PATH_PROPERTY = LibraryLoader.PATH_PROPERTY;
 
   static {
-    loadLibrary();
+    LibraryLoader.load();
   }
 
   private LumigramJni() {}
@@ -146,35 +142,4 @@ public final class LumigramJni {
    */
   public static native byte[] getLumigramApplicationExtensionInfo(
       String path, String labelName, String fileName);
-
-  private static void loadLibrary() {
-    String path = System.getProperty(LIBRARY_PATH_PROPERTY);
-    if (path == null) {
-      try {
-        System.loadLibrary(LIBRARY);
-      } catch (UnsatisfiedLinkError reason) {
-        throw explained("System.loadLibrary(\"" + LIBRARY + "\")", reason);
-      }
-    } else {
-      String file = new File(path).getAbsolutePath();
-      try {
-        System.load(file);
-      } catch (UnsatisfiedLinkError reason) {
-        throw explained("System.load(\"" + file + "\")", reason);
-      }
-    }
-  }
-
-  /** Names what was tried, the reason of the failure, and both ways to fix it. */
-  private static UnsatisfiedLinkError explained(String tried, UnsatisfiedLinkError reason) {
-    String message =
-        "The native library of lumigram cannot be loaded. Tried %s: %s. Either set the system"
-        + " property %s to the path of the library's file, or leave it unset and have %s in a"
-        + " folder of java.library.path, which is now \"%s\".";
-    UnsatisfiedLinkError error = new UnsatisfiedLinkError(
-        String.format(message, tried, reason.getMessage(), LIBRARY_PATH_PROPERTY,
-            System.mapLibraryName(LIBRARY), System.getProperty("java.library.path")));
-    error.initCause(reason);
-    return error;
-  }
 }
