@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "core/base/byte_source.h"
+#include "core/file/obstacle.h"
 #include "core/file/picture_file.h"
 #include "lumigram.h"
 #include "tests/support/fail_calls.h"
@@ -167,6 +168,52 @@ TEST(Extraction, PicksTheReaderAndTellsAPictureWithoutDocument) {
     const int32_t status = GetXmlString(stream.get(), type, document, &height, &width, &pop);
     EXPECT_EQ((std::array{status, width, height, pop}), numbers);
     EXPECT_EQ(document, text);
+  }
+}
+
+TEST(Obstacle, IsNamed) {
+  const Bytes png = PngStart() + kPngEnd, box = {0, 0, 0, 32}, large(2097152);
+  constexpr int kRead = 0, kWrite = 1;  // the number of the call that is refused
+  // The name; the bytes; the words.
+  const std::tuple<std::string, Bytes, const char*> files[] = {
+      {"fake.gif", png, "holds a PNG picture; rename it to .png"},
+      {"fake.png", kJpegStart + JpegFrame(), "holds a JPEG picture; rename it to .jpg"},
+      {"unnamed", FirstOf(GifScreen(), 6), "holds a GIF picture; rename it to .gif"},
+      {"good.JPEG", kJpegStart + JpegFrame(), ""},
+      {"web.png", Text("RIFF1234WEBP"), "holds a WebP picture, which is not supported"},
+      {"wave.png", Text("RIFF\1\2\3\4WAVE"), ""},
+      {"bitmap.gif", Text("BM1234") + Bytes(6), "holds a BMP picture, which is not supported"},
+      {"box.png", box + Text("ftypavis"), "holds an AVIF picture, which is not supported"},
+      {"icon.png", {0, 0, 1, 0, 1}, "holds an ICO picture, which is not supported"},
+      {"text.png", Text("\tBMW, \xE5\xA4\xA7 \xE5"), "holds text, not a picture"},
+      {"latin.png", Text("caf\xE9, au lait"), ""},
+      {"bytes.png", {1, 'a', 'b'}, ""},
+      {kFace, {}, "empty file"},
+      {"2MiB.png", large, ""},
+      {"larger.png", large + Bytes{0}, "over 2 MiB"},
+  };
+  const TempFolder folder;
+  char words[kObstacleWords];
+  const auto look = [&](const std::string& name, Access access, const char* want) {
+    EXPECT_EQ((FindObstacle(folder.Path(name).c_str(), access, words), std::string(words)), want);
+  };
+  for (const auto& [name, bytes, want] : files) {
+    SCOPED_TRACE(name);
+    folder.Write(name, bytes);
+    look(name, Access::kWrite, want);
+  }
+  look(kJavaFace, Access::kRead, "empty file");
+  look("missing.gif", Access::kRead, "no such file");
+  look("good.JPEG/a.png", Access::kRead, "no such file");
+  look(".", Access::kRead, "a folder");
+  EXPECT_EQ(FindObstacle("/dev/null", Access::kRead, words), Obstacle::kNotRegular);
+  for (const auto& [error, call, want] : {std::tuple(EACCES, kRead, "permission denied"),
+                                          {EMFILE, kRead, ""},
+                                          {EROFS, kWrite, "read-only file"},
+                                          {EMFILE, kWrite, ""}}) {
+    SCOPED_TRACE(want);
+    const FailCalls fail("open64", call, error);
+    look("good.JPEG", Access::kWrite, want);
   }
 }
 

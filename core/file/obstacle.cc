@@ -1,0 +1,156 @@
+#include "core/file/obstacle.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string_view>
+
+#include "core/base/path.h"
+#include "core/base/scoped.h"
+#include "core/base/text.h"
+#include "core/base/utf8.h"
+#include "lumigram.h"
+
+namespace lumigram {
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+// The bytes of a file at which we look: enough for every signature below.
+constexpr size_t kHead = 12;
+
+struct Format {
+  std::string_view start;
+  size_t markAt;
+  std::string_view mark;
+  const char* words;
+  FileType type = kFileTypeUnknown;  // of our own kinds
+};
+
+constexpr Format kFormats[] = {
+    {"GIF8", 0, "", "holds a GIF picture; rename it to .gif", kFileTypeGif},
+    {"\xFF\xD8\xFF", 0, "", "holds a JPEG picture; rename it to .jpg", kFileTypeJpeg},
+    {"\x89PNG\r\n\x1A\n", 0, "", "holds a PNG picture; rename it to .png", kFileTypePng},
+    {"RIFF", 8, "WEBP", "holds a WebP picture, which is not supported"},
+    {"BM", 6, "\0\0\0\0"sv, "holds a BMP picture, which is not supported"},
+    {"II*\0"sv, 0, "", "holds a TIFF picture, which is not supported"},
+    {"MM\0*"sv, 0, "", "holds a TIFF picture, which is not supported"},
+    {"", 4, "ftypavi", "holds an AVIF picture, which is not supported"},
+    {"", 4, "ftyphe", "holds an HEIC picture, which is not supported"},
+    {"", 4, "ftypmif1", "holds an HEIF picture, which is not supported"},
+    {"", 4, "ftyp", "holds a video or sound, not a picture"},
+    {"\0\0\1\0"sv, 0, "", "holds an ICO picture, which is not supported"},
+    {"\0\0\0\x0CJXL "sv, 0, "", "holds a JPEG XL picture, which is not supported"},
+    {"\xFF\x0A", 0, "", "holds a JPEG XL picture, which is not supported"},
+    {"\0\0\0\x0CjP  "sv, 0, "", "holds a JPEG 2000 picture, which is not supported"},
+    {"8BPS", 0, "", "holds a PSD picture, which is not supported"},
+    {"%PDF-", 0, "", "holds a PDF document, not a picture"},
+    {"PK\3\4", 0, "", "holds a ZIP archive, not a picture"},
+    {"\x1F\x8B", 0, "", "holds compressed data, not a picture"},
+};
+
+bool HasAt(std::string_view head, size_t at, std::string_view mark) {
+  return head.size() >= at + mark.size() && memcmp(head.data() + at, mark.data(), mark.size()) == 0;
+}
+
+const Format* FindFormat(std::string_view head) {
+  for (const Format& format : kFormats) {
+    if (HasAt(head, 0, format.start) && HasAt(head, format.markAt, format.mark)) return &format;
+  }
+  return nullptr;
+}
+
+// The last character of the head may be cut.
+bool IsText(std::string_view head) {
+  while (!head.empty()) {
+    const Utf8Character character = FirstCharacter(head);
+    if (character.code == kNoCharacter) return head.size() < 4 && (head.front() & 0xC0) == 0xC0;
+    const bool isBlank = character.code == '\t' || character.code == '\n' || character.code == '\r';
+    if ((character.code < 0x20 || character.code == 0x7F) && !isBlank) return false;
+    head.remove_prefix(character.size);
+  }
+  return true;
+}
+
+class Search {
+ public:
+  Search(const char* path, char (&words)[kObstacleWords]) : words_(words) {
+    const char* const spelling = PathForWriting(path, &storage_);
+    path_ = spelling == nullptr ? path : spelling;
+    words_[0] = '\0';
+  }
+
+  Obstacle Run(Access access) {
+    Obstacle obstacle = OfStatus();
+    if (obstacle == Obstacle::kNone) obstacle = OfContent();
+    if (obstacle == Obstacle::kNone && access == Access::kWrite) obstacle = OfWriting();
+    return obstacle;
+  }
+
+ private:
+  Obstacle Found(Obstacle obstacle, std::string_view words) {
+    CopyText(words_, words);
+    return obstacle;
+  }
+
+  Obstacle OfError() {
+    if (errno == ENOENT || errno == ENOTDIR) return Found(Obstacle::kMissing, "no such file");
+    if (errno == EACCES) return Found(Obstacle::kForbidden, "permission denied");
+    return Obstacle::kNone;
+  }
+
+  Obstacle OfStatus() {
+    struct stat status;
+    if (stat(path_, &status) != 0) return OfError();
+    if (S_ISDIR(status.st_mode)) return Found(Obstacle::kFolder, "a folder");
+    if (!S_ISREG(status.st_mode)) return Found(Obstacle::kNotRegular, "not a regular file");
+    if (status.st_size == 0) return Found(Obstacle::kEmpty, "empty file");
+    if (status.st_size > kLumigramMaxPictureBytes) return Found(Obstacle::kTooLarge, "over 2 MiB");
+    return Obstacle::kNone;
+  }
+
+  // The path may lead to a FIFO by now, for which O_NONBLOCK does not wait.
+  Obstacle OfContent() {
+    const int descriptor = open(path_, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return OfError();
+    char bytes[kHead];
+    const ssize_t size = pread(descriptor, bytes, kHead, 0);
+    (void)close(descriptor);
+    return size <= 0 ? Obstacle::kNone : OfHead({bytes, static_cast<size_t>(size)});
+  }
+
+  Obstacle OfHead(std::string_view head) {
+    FileType named = kFileTypeUnknown;
+    (void)GetFileType(path_, &named);
+    if (const Format* const format = FindFormat(head)) {
+      if (format->type == kFileTypeUnknown) return Found(Obstacle::kForeign, format->words);
+      return format->type == named ? Obstacle::kNone : Found(Obstacle::kOtherKind, format->words);
+    }
+    return IsText(head) ? Found(Obstacle::kText, "holds text, not a picture") : Obstacle::kNone;
+  }
+
+  Obstacle OfWriting() {
+    const int descriptor = open(path_, O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor >= 0) (void)close(descriptor);
+    const bool refused = descriptor < 0 && (errno == EACCES || errno == EPERM || errno == EROFS);
+    return refused ? Found(Obstacle::kReadOnly, "read-only file") : Obstacle::kNone;
+  }
+
+  char (&words_)[kObstacleWords];
+  ScopedBlock<char> storage_;
+  const char* path_;
+};
+
+}  // namespace
+
+Obstacle FindObstacle(const char* path, Access access, char (&words)[kObstacleWords]) {
+  const int error = errno;
+  const Obstacle obstacle = Search(path, words).Run(access);
+  errno = error;
+  return obstacle;
+}
+
+}  // namespace lumigram
