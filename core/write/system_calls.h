@@ -5,9 +5,12 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdint.h>
+#include <string.h>
 #include <sys/types.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <span>
 
 namespace lumigram {
@@ -34,6 +37,17 @@ inline bool ReadAt(int fd, std::span<uint8_t> out, off_t at) {
   return true;
 }
 
+// Whether the file begins with these bytes.
+inline bool BeginsWith(int fd, std::span<const uint8_t> bytes) {
+  uint8_t block[4096];
+  for (off_t at = 0; !bytes.empty(); at += sizeof(block)) {
+    const std::span<uint8_t> piece(block, std::min(sizeof(block), bytes.size()));
+    if (!ReadAt(fd, piece, at) || memcmp(block, bytes.data(), piece.size()) != 0) return false;
+    bytes = bytes.subspan(piece.size());
+  }
+  return true;
+}
+
 inline bool WriteAt(int fd, std::span<const uint8_t> bytes, off_t at) {
   while (!bytes.empty()) {
     const ssize_t n = Uninterrupted([&] { return pwrite(fd, bytes.data(), bytes.size(), at); });
@@ -53,6 +67,12 @@ inline bool Sync(int fd) {
   return Uninterrupted([&] { return fsync(fd); }) == 0 || errno == EINVAL || errno == ENOSYS;
 }
 
+inline uint64_t Nanoseconds() {
+  timespec now = {};
+  (void)clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1'000'000'000 + static_cast<uint64_t>(now.tv_nsec);
+}
+
 class Descriptor {
  public:
   explicit Descriptor(int fd = -1) : fd_(fd) {}
@@ -60,7 +80,10 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
 
-  void Reset(int fd) { fd_ = fd; }
+  void Reset(int fd) {
+    (void)Close();
+    fd_ = fd;
+  }
   int Get() const { return fd_; }
   // An interrupted close() has closed the descriptor.
   [[nodiscard]] bool Close() {

@@ -2,19 +2,8 @@
 
 #include <stdio.h>
 #include <string.h>
-#include <time.h>
 
 namespace lumigram {
-namespace {
-
-uint64_t Nanoseconds() {
-  timespec now = {};
-  (void)clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
-}
-
-}  // namespace
-
 size_t FolderSize(const char* path) {
   const char* slash = strrchr(path, '/');
   return slash == nullptr ? 0 : static_cast<size_t>(slash - path) + 1;
