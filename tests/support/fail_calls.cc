@@ -84,6 +84,7 @@ WRAP(int, -1, fchown, (int fd, uid_t user, gid_t group), (fd, user, group))
 WRAP(int, -1, fchmod, (int fd, mode_t mode), (fd, mode))
 WRAP(int, -1, fsetxattr, (int fd, const char* name, const void* value, size_t n, int how),
      (fd, name, value, n, how))
+WRAP(int, -1, flock, (int fd, int how), (fd, how))
 WRAP(int, -1, rename, (const char* from, const char* to), (from, to))
 WRAP(int, (__real_close(fd), errno = plan.error, -1), close, (int fd), (fd))
 }
