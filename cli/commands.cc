@@ -13,6 +13,7 @@
 #include "cli/changes.h"
 #include "cli/json.h"
 #include "cli/spelling.h"
+#include "cli/update.h"
 #include "core/base/status.h"
 
 namespace lumigram::cli {
@@ -50,10 +51,15 @@ int RewriteAll(const std::vector<Target>& targets, const Options& options, const
   const bool dryRun = options.rewrite.dryRun;
   signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
   const auto one = [&](const Target& target) -> Outcome {
+    const auto rewriteThis = [&](const Picture& picture) { return rewrite(target, picture); };
+    if (!dryRun) {
+      const bool stored = UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis);
+      return {stored ? Outcome::kWritten : Outcome::kUnchanged, ""};
+    }
     const Picture picture = ReadPicture(target.path);
-    const std::optional<Picture> built = rewrite(target, picture);
+    const std::optional<Picture> built = rewriteThis(picture);
     if (!built) return {Outcome::kUnchanged, ""};
-    return {Outcome::kWritten, dryRun ? console->DescribeChange(target.path, picture, *built) : ""};
+    return {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
   };
   const Tally tally = RunAll(targets, one, console);
   PrintTally(tally,
@@ -188,7 +194,7 @@ int Set(const Options& options, Console* console) {
   for (JsonEntry& entry : entries) AddOptions(named, &entry.changes);
   const auto set = [&](const Target& target, const Picture& picture) {
     const JsonEntry& entry = entries.size() == 1 ? entries.front() : entries[target.origin];
-    return SetPicture(target.path, picture, entry.changes, options.rewrite);
+    return SetPicture(picture, entry.changes, options.rewrite);
   };
   return RewriteAll(targets, options, set, console);
 }
@@ -217,18 +223,22 @@ int Extract(const Options& options, Console* console) {
   if (toStandardOutput && console->IsTerminal()) {
     throw UsageError("extract: a blob is not written to a terminal; name a file with -o");
   }
+  const std::string* path = &options.picture;  // of what fails
   try {
     const Picture picture = ReadPicture(options.picture);
     const std::string& bytes = FindBlob(picture, options).bytes;
-    if (toStandardOutput) {
+    if (!toStandardOutput) path = &options.output;
+    // A redirection has opened the file of standard output, so that it cannot be replaced.
+    if (toStandardOutput || AreSameFile(options.output, "/dev/stdout")) {
       console->Print(bytes);
+    } else if (AreSameFile(options.output, options.picture)) {
+      throw Failure(kCannotWrite, "is the picture that the blob is taken from");
     } else {
-      const auto* const data = reinterpret_cast<const uint8_t*>(bytes.data());
-      WriteFile(options.output, {data, bytes.size()}, 0666, Existing::kOverwrite);
+      WriteFile(options.output, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
     }
     return kAllWell;
   } catch (const Failure& failure) {
-    console->Fail(options.picture, failure);
+    console->Fail(*path, failure);
     return kSomeFailed;
   }
 }
@@ -259,8 +269,8 @@ int Check(const Options& options, Console* console) {
 }
 
 int Clear(const Options& options, Console* console) {
-  const auto clear = [&options](const Target& target, const Picture& picture) {
-    return ClearPicture(target.path, picture, options.rewrite);
+  const auto clear = [&options](const Target&, const Picture& picture) {
+    return ClearPicture(picture, options.rewrite);
   };
   return RewriteAll(FindTargets(options.paths, options.recursive), options, clear, console);
 }

@@ -1,43 +1,88 @@
 #include "cli/files.h"
 
 #include <errno.h>
-#include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "core/base/scoped.h"
 #include "core/base/status.h"
+#include "core/write/replacement.h"
 
 namespace lumigram::cli {
+namespace {
 
-std::vector<uint8_t> ReadRegularFile(const std::string& path) {
-  struct stat status;
-  if (stat(path.c_str(), &status) != 0) throw Failure(kCannotOpen, strerror(errno));
-  if (!S_ISREG(status.st_mode)) throw Failure(kCannotOpen, "not a regular file");
-  if (status.st_size == 0) throw Failure(kBadArgument, "empty file");
-  if (status.st_size > kLumigramMaxPictureBytes) throw Failure(kBadArgument, "over 2 MiB");
-  const ScopedFile file(fopen(path.c_str(), "rbe"));
-  if (file == nullptr) throw Failure(kCannotOpen, strerror(errno));
-  std::vector<uint8_t> bytes(static_cast<size_t>(status.st_size));
-  if (fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
-    throw Failure(kBadArgument, ferror(file.get()) ? strerror(errno) : "the file became shorter");
+using Bytes = std::span<const uint8_t>;
+
+void WriteToDevice(const std::string& path, Bytes bytes) {
+  const ScopedFile file(fopen(path.c_str(), "wbe"));
+  if (file == nullptr || fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
+      fflush(file.get()) != 0) {
+    throw FailureOfSystem(kCannotWrite);
   }
-  return bytes;
 }
 
-void WriteFile(const std::string& path, std::span<const uint8_t> bytes, mode_t mode,
-               Existing existing) {
-  const int flags = existing == Existing::kRefuse ? O_EXCL : O_TRUNC;
-  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, mode);
-  FILE* const file = descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
-  if (file == nullptr) throw Failure(kCannotWrite, strerror(errno));
-  const bool written = fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  if (fclose(file) == 0 && written) return;
-  const std::string reason = strerror(errno);
-  if (existing == Existing::kRefuse) unlink(path.c_str());
-  throw Failure(kCannotWrite, reason);
+bool WriteNew(const Target& target, Bytes bytes) {
+  NewFile file;
+  return file.CreateBeside(target.path, "", 0666) && WriteAt(file.Get(), bytes, 0) &&
+         file.SyncAndClose() && file.RenameTo(target.path);
+}
+
+bool ReplaceOld(Target* target, Bytes bytes) {
+  struct stat status;
+  return fstat(target->file.Get(), &status) == 0 &&
+         Replace(target, status, bytes, [] { return Outcome::kDone; }) == Outcome::kDone;
+}
+
+}  // namespace
+
+Failure FailureOfSystem(int32_t status, const std::string& words) {
+  const std::string reason = errno == 0 ? "" : strerror(errno);
+  return {status, words + (words.empty() || reason.empty() ? "" : ": ") + reason};
+}
+
+void OpenRegularFile(const std::string& path, OpenedPicture::Purpose purpose, OpenedPicture* file) {
+  using Opening = OpenedPicture::Opening;
+  switch (file->Open(path.c_str(), purpose)) {
+    case Opening::kOpened:
+      return;
+    case Opening::kCannotOpen:
+      throw FailureOfSystem(kCannotOpen);
+    case Opening::kNotRegular:
+      throw Failure(kCannotOpen, "not a regular file");
+    case Opening::kEmpty:
+      throw Failure(kBadArgument, "empty file");
+    case Opening::kTooLarge:
+      throw Failure(kBadArgument, "over 2 MiB");
+    case Opening::kShrunk:
+      throw Failure(kBadArgument, "the file became shorter");
+    case Opening::kLocked:
+      throw Failure(kCannotWrite, "another program has locked it for over ten seconds");
+  }
+}
+
+std::vector<uint8_t> ReadRegularFile(const std::string& path) {
+  OpenedPicture file;
+  OpenRegularFile(path, OpenedPicture::Purpose::kToRead, &file);
+  return {file.Bytes().begin(), file.Bytes().end()};
+}
+
+bool AreSameFile(const std::string& a, const std::string& b) {
+  struct stat first, second;
+  return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+void WriteFile(const std::string& path, Bytes bytes) {
+  struct stat status;
+  const bool isThere = stat(path.c_str(), &status) == 0;
+  if (isThere && !S_ISREG(status.st_mode)) return WriteToDevice(path, bytes);
+  Target target;
+  target.extension = "";
+  const bool isOpen = OpenTarget(path.c_str(), O_RDWR | O_NONBLOCK, &target);
+  const bool isNew = !isOpen && errno == ENOENT;
+  if (isOpen ? ReplaceOld(&target, bytes) : isNew && WriteNew(target, bytes)) return;
+  throw FailureOfSystem(kCannotWrite);
 }
 
 }  // namespace lumigram::cli

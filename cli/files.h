@@ -3,12 +3,13 @@
 #define LUMIGRAM_CLI_FILES_H_
 
 #include <stdint.h>
-#include <sys/types.h>
 
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "core/write/opened_picture.h"
 
 namespace lumigram::cli {
 
@@ -19,15 +20,22 @@ class Failure : public std::runtime_error {
   int32_t code;
 };
 
-// Returns the bytes of a regular file with 1 byte to 2 MiB. Other files are not opened. Throws
-// Failure.
+// A failure with these words and the reason that errno gives.
+Failure FailureOfSystem(int32_t status, const std::string& words = "");
+
+// Opens and reads a regular file with 1 byte to 2 MiB. Other files are not opened. Throws Failure.
+void OpenRegularFile(const std::string& path, OpenedPicture::Purpose purpose, OpenedPicture* file);
+
+// Returns the bytes of such a file. Throws Failure.
 std::vector<uint8_t> ReadRegularFile(const std::string& path);
 
-// Writes a file, with this mode if it is new. Throws Failure. With kRefuse, a file that cannot be
-// written completely is removed again.
-enum class Existing { kRefuse, kOverwrite };
-void WriteFile(const std::string& path, std::span<const uint8_t> bytes, mode_t mode,
-               Existing existing);
+// Whether both paths lead to one file.
+bool AreSameFile(const std::string& a, const std::string& b);
+
+// Makes the bytes the contents of a file. A regular file is replaced as pictures are, and keeps its
+// mode; a new one appears under its name when it is complete; anything else, such as a pipe, is
+// written to. Throws Failure; a regular file is then the old one.
+void WriteFile(const std::string& path, std::span<const uint8_t> bytes);
 
 }  // namespace lumigram::cli
 

@@ -87,12 +87,17 @@ const Finding* Picture::First(Finding::Severity severity) const {
   return found == reading.findings.end() ? nullptr : &*found;
 }
 
-Picture ReadPicture(const std::string& path) {
+Kind KindOfPath(const std::string& path) {
   FileType type = kFileTypeUnknown;
   if (GetFileType(path.c_str(), &type) != kOk) {
     throw Failure(kUnsupported, LumigramStatusText(kUnsupported));
   }
-  return InspectPicture(static_cast<Kind>(type), ReadRegularFile(path));
+  return static_cast<Kind>(type);
+}
+
+Picture ReadPicture(const std::string& path) {
+  const Kind kind = KindOfPath(path);
+  return InspectPicture(kind, ReadRegularFile(path));
 }
 
 Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes) {

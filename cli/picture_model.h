@@ -27,6 +27,9 @@ struct Picture {
   const Finding* First(Finding::Severity severity) const;
 };
 
+// The kind that the extension of a path names. Throws Failure.
+Kind KindOfPath(const std::string& path);
+
 // Reads the picture at a path, which must name a regular file. Throws Failure.
 Picture ReadPicture(const std::string& path);
 

@@ -1,10 +1,5 @@
 #include "cli/rewrite.h"
 
-#include <errno.h>
-#include <string.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <memory>
 #include <tuple>
@@ -16,7 +11,6 @@
 #include "core/document/document_format.h"
 #include "core/file/blobs.h"
 #include "core/write/build_picture.h"
-#include "core/write/replace_file.h"
 
 namespace lumigram::cli {
 namespace {
@@ -164,34 +158,10 @@ Picture BuildWith(const Picture& source, const Document& document) {
   return built;
 }
 
-// ---- storing ------------------------------------------------------------------------------------
+// ---- what is kept -------------------------------------------------------------------------------
 
-// Writes a copy of the picture to a file that must not exist.
-void WriteBackup(const std::string& path, const std::string& backup, const Picture& picture) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) throw Failure(kCannotWrite, strerror(errno));
-  try {
-    WriteFile(backup, picture.bytes, status.st_mode & 0777, Existing::kRefuse);
-  } catch (const Failure& failure) {
-    throw Failure(kCannotWrite, "the backup " + Quoted(backup) + ": " + failure.what());
-  }
-}
-
-void Store(const std::string& path, const Picture& old, const Picture& built,
-           const RewriteOptions& options) {
-  const std::string backup = path + options.backupSuffix;
-  if (!options.backupSuffix.empty()) WriteBackup(path, backup, old);
-  errno = 0;
-  if (ReplaceFile(path.c_str(), built.bytes) == kOk) return;
-  const std::string reason = errno == 0 ? "" : std::string(": ") + strerror(errno);
-  if (!options.backupSuffix.empty()) unlink(backup.c_str());
-  throw Failure(kCannotWrite, "cannot be written" + reason);
-}
-
-std::optional<Picture> Finish(const std::string& path, const Picture& old, Picture built,
-                              const RewriteOptions& options) {
+std::optional<Picture> UnlessSame(const Picture& old, Picture built) {
   if (built.bytes == old.bytes) return std::nullopt;
-  if (!options.dryRun) Store(path, old, built, options);
   return built;
 }
 
@@ -228,8 +198,8 @@ Document Delivered(const Picture& picture) {
 
 }  // namespace
 
-std::optional<Picture> SetPicture(const std::string& path, const Picture& picture,
-                                  const Changes& changes, const RewriteOptions& options) {
+std::optional<Picture> SetPicture(const Picture& picture, const Changes& changes,
+                                  const RewriteOptions& options) {
   Document wanted = Apply(changes, options.replace ? Document{} : picture.GetDocument(), picture);
   const bool dropsBlobs = options.replace && WantedBlobs(wanted, picture.blobs) != picture.blobs;
   if (wanted == picture.GetDocument() && !dropsBlobs) return std::nullopt;
@@ -243,11 +213,10 @@ std::optional<Picture> SetPicture(const std::string& path, const Picture& pictur
       throw Failure(kBadBlob, std::string("a ") + picture.KindName() + " picture carries no blobs");
     }
   }
-  return Finish(path, picture, BuildWith(picture, wanted), options);
+  return UnlessSame(picture, BuildWith(picture, wanted));
 }
 
-std::optional<Picture> ClearPicture(const std::string& path, const Picture& picture,
-                                    const RewriteOptions& options) {
+std::optional<Picture> ClearPicture(const Picture& picture, const RewriteOptions& options) {
   if (!picture.hasDocument && picture.blobs.empty()) return std::nullopt;
   RequireNothingLost(picture, Finding::kDropped, options);
   const auto record = std::make_unique<AttrInfo>();
@@ -256,7 +225,7 @@ std::optional<Picture> ClearPicture(const std::string& path, const Picture& pict
   if (built.hasDocument || !built.blobs.empty()) {
     throw Failure(kMalformed, "the document is in a place from which it cannot be removed");
   }
-  return Finish(path, picture, std::move(built), options);
+  return UnlessSame(picture, std::move(built));
 }
 
 void RequireWritable(const Changes& changes) {

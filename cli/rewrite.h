@@ -1,5 +1,4 @@
-// Rewrites one picture. The new picture is built in memory, read back and checked before it is
-// stored.
+// Builds the rewritten form of a picture in memory, reads it back and checks it.
 #ifndef LUMIGRAM_CLI_REWRITE_H_
 #define LUMIGRAM_CLI_REWRITE_H_
 
@@ -18,12 +17,10 @@ struct RewriteOptions {
   std::string backupSuffix;  // empty: no backup
 };
 
-// Returns the new picture, which has been stored unless this is a dry run; none when nothing
-// changes. Throws Failure; the file is then unchanged.
-std::optional<Picture> SetPicture(const std::string& path, const Picture& picture,
-                                  const Changes& changes, const RewriteOptions& options);
-std::optional<Picture> ClearPicture(const std::string& path, const Picture& picture,
-                                    const RewriteOptions& options);
+// Returns the new picture; none when nothing changes. Throws Failure.
+std::optional<Picture> SetPicture(const Picture& picture, const Changes& changes,
+                                  const RewriteOptions& options);
+std::optional<Picture> ClearPicture(const Picture& picture, const RewriteOptions& options);
 
 // Applies the changes to an empty document. Throws Failure if no picture can hold the result.
 void RequireWritable(const Changes& changes);

@@ -93,6 +93,11 @@ Outcome OpenedPicture::Compare() const {
   return isSame ? Outcome::kDone : Outcome::kChanged;
 }
 
+Outcome OpenedPicture::CopyBeside(const char* path, NewFile* copy) const {
+  const Outcome outcome = Prepare(target_, status_, path, Bytes(), copy);
+  return outcome == Outcome::kRefused && copy->Get() < 0 ? Outcome::kFailed : outcome;
+}
+
 OpenedPicture::Replacement OpenedPicture::Replace(std::span<const uint8_t> bytes) {
   if (writeError_ != 0) {
     errno = writeError_;

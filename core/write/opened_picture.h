@@ -58,6 +58,10 @@ class OpenedPicture {
   // The bytes that were read.
   std::span<const uint8_t> Bytes() const { return {bytes_.get(), size_}; }
 
+  // A temporary file in the folder of the path, with the bytes, access rights and attributes of the
+  // picture. kRefused: it could be created, but not with these rights; kFailed: errno says why.
+  Outcome CopyBeside(const char* path, NewFile* copy) const;
+
   // Replaces the picture as ReplaceFile() does, but creates no file. To be called once.
   Replacement Replace(std::span<const uint8_t> bytes);
 

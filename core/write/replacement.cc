@@ -49,12 +49,13 @@ void PutBack(int fd, Bytes old) {
 
 }  // namespace
 
-Outcome Prepare(const Target& target, const struct stat& status, Bytes bytes, NewFile* file) {
+Outcome Prepare(const Target& source, const struct stat& status, const char* path, Bytes bytes,
+                NewFile* file) {
   Access access{status, {}};
-  if (!ReadAccessList(target.file.Get(), &access)) return RefusedIf(IsRefusedAccess(errno));
-  if (!file->CreateBeside(target.path, target.extension, InitialMode(access)))
+  if (!ReadAccessList(source.file.Get(), &access)) return RefusedIf(IsRefusedAccess(errno));
+  if (!file->CreateBeside(path, source.extension, InitialMode(access)))
     return RefusedIf(IsRefusedName(errno));
-  CopyAttributes(target.file.Get(), file->Get());
+  CopyAttributes(source.file.Get(), file->Get());
   if (!GiveAccess(access, file->Get())) return RefusedIf(IsRefusedAccess(errno));
   return DoneIf(WriteAt(file->Get(), bytes, 0) && GiveModeBack(status, file->Get()));
 }

@@ -21,9 +21,10 @@ enum class Outcome {
   kGone,     // it was deleted
 };
 
-// A temporary file beside the target, with the access rights of the target's file and these bytes.
-Outcome Prepare(const Target& target, const struct stat& status, std::span<const uint8_t> bytes,
-                NewFile* file);
+// A temporary file in the folder of the path, with these bytes and the access rights of the source,
+// which has this status.
+Outcome Prepare(const Target& source, const struct stat& status, const char* path,
+                std::span<const uint8_t> bytes, NewFile* file);
 Outcome SyncFile(NewFile* file);
 Outcome Commit(const Target& target, NewFile* file);
 
@@ -40,7 +41,8 @@ Outcome Replace(Target* target, const struct stat& status, std::span<const uint8
   const auto byRename = [&] {
     if (status.st_nlink > 1) return Outcome::kRefused;
     NewFile file;
-    if (Outcome o = Prepare(*target, status, bytes, &file); o != Outcome::kDone) return o;
+    if (Outcome o = Prepare(*target, status, target->path, bytes, &file); o != Outcome::kDone)
+      return o;
     if (Outcome o = SyncFile(&file); o != Outcome::kDone) return o;
     if (Outcome o = check(); o != Outcome::kDone) return o;
     return Commit(*target, &file);

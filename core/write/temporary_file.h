@@ -36,6 +36,7 @@ class NewFile {
   [[nodiscard]] bool RenameTo(const char* target);
   void Keep() { isOurs_ = false; }
   int Get() const { return file_.Get(); }
+  const char* Path() const { return path_; }
 
  private:
   bool OpenNew(mode_t mode);
