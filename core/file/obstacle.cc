@@ -8,11 +8,12 @@
 
 #include <string_view>
 
+#include "core/base/kind.h"
 #include "core/base/path.h"
 #include "core/base/scoped.h"
 #include "core/base/text.h"
 #include "core/base/utf8.h"
-#include "lumigram.h"
+#include "core/file/signature.h"
 
 namespace lumigram {
 namespace {
@@ -22,18 +23,15 @@ using std::string_view_literals::operator""sv;
 // The bytes of a file at which we look: enough for every signature below.
 constexpr size_t kHead = 12;
 
+// A format that is not one of ours: how its files start, and a mark at an offset.
 struct Format {
   std::string_view start;
   size_t markAt;
   std::string_view mark;
   const char* words;
-  FileType type = kFileTypeUnknown;  // of our own kinds
 };
 
 constexpr Format kFormats[] = {
-    {"GIF8", 0, "", "holds a GIF picture; rename it to .gif", kFileTypeGif},
-    {"\xFF\xD8\xFF", 0, "", "holds a JPEG picture; rename it to .jpg", kFileTypeJpeg},
-    {"\x89PNG\r\n\x1A\n", 0, "", "holds a PNG picture; rename it to .png", kFileTypePng},
     {"RIFF", 8, "WEBP", "holds a WebP picture, which is not supported"},
     {"BM", 6, "\0\0\0\0"sv, "holds a BMP picture, which is not supported"},
     {"II*\0"sv, 0, "", "holds a TIFF picture, which is not supported"},
@@ -61,6 +59,18 @@ const Format* FindFormat(std::string_view head) {
     if (HasAt(head, 0, format.start) && HasAt(head, format.markAt, format.mark)) return &format;
   }
   return nullptr;
+}
+
+const char* WordsForKind(Kind kind) {
+  switch (kind) {
+    case Kind::kGif:
+      return "holds a GIF picture; rename it to .gif";
+    case Kind::kJpeg:
+      return "holds a JPEG picture; rename it to .jpg";
+    case Kind::kPng:
+      return "holds a PNG picture; rename it to .png";
+  }
+  return "";
 }
 
 // The last character of the head may be cut.
@@ -125,10 +135,13 @@ class Search {
   Obstacle OfHead(std::string_view head) {
     FileType named = kFileTypeUnknown;
     (void)GetFileType(path_, &named);
-    if (const Format* const format = FindFormat(head)) {
-      if (format->type == kFileTypeUnknown) return Found(Obstacle::kForeign, format->words);
-      return format->type == named ? Obstacle::kNone : Found(Obstacle::kOtherKind, format->words);
+    if (const auto kind =
+            KindFromSignature({reinterpret_cast<const uint8_t*>(head.data()), head.size()})) {
+      const bool isNamed = kind == KindOf(named);
+      return isNamed ? Obstacle::kNone : Found(Obstacle::kOtherKind, WordsForKind(*kind));
     }
+    if (const Format* const format = FindFormat(head))
+      return Found(Obstacle::kForeign, format->words);
     return IsText(head) ? Found(Obstacle::kText, "holds text, not a picture") : Obstacle::kNone;
   }
 
