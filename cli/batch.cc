@@ -7,11 +7,16 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
+#include <exception>
 #include <mutex>
 #include <new>
 #include <numeric>
+#include <stop_token>
+#include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "core/base/status.h"
 
@@ -62,30 +67,23 @@ class InterruptionScope {
 
 // ---- the work -----------------------------------------------------------------------------------
 
+using Clock = std::chrono::steady_clock;
+constexpr Clock::duration kTick = std::chrono::milliseconds(100);
+
 class Batch {
  public:
-  Batch(const std::vector<Target>& targets, const std::function<Outcome(const Target&)>& function,
-        Console* console, const char* separator)
-      : targets_(targets),
-        function_(function),
-        console_(*console),
-        separator_(separator),
-        results_(targets.size()) {
-    tally_.total = targets.size();
-  }
+  Batch(Targets* targets, const std::function<Outcome(const Target&)>& function, Console* console,
+        const char* separator)
+      : targets_(*targets), function_(function), console_(*console), separator_(separator) {}
 
   Tally Run() {
     const InterruptionScope scope;
-    std::vector<std::jthread> threads;
-    const size_t cores = std::max(1u, std::thread::hardware_concurrency());
-    for (size_t i = 0; i < std::min(cores, targets_.size()); ++i) {
-      threads.emplace_back([this] { Work(); });
-    }
-    while (printed_ < targets_.size() && interruption == 0) AwaitNext();
-    threads.clear();  // waits for the pictures that are in work
+    RunThreads();
     while (PrintNext()) continue;
     console_.ClearProgress();
-    tally_.signal = printed_ < targets_.size() ? interruption.load() : 0;
+    if (error_) std::rethrow_exception(error_);
+    tally_.total = ended_ ? tally_.Finished() : total_.load();
+    if (!ended_) tally_.signal = interruption;
     return tally_;
   }
 
@@ -95,15 +93,61 @@ class Batch {
     std::optional<Failure> failure;
   };
 
-  void Work() {
-    while (interruption == 0) {
-      const size_t i = next_++;
-      if (i >= targets_.size()) return;
-      Result result = RunOne(targets_[i]);
-      const std::lock_guard lock(mutex_);
-      results_[i] = std::move(result);
-      ready_.notify_one();
+  struct Slot {
+    Target target;
+    std::optional<Result> result;
+  };
+
+  // Ends the threads, even if the main thread cannot go on.
+  class Stopper {
+   public:
+    explicit Stopper(Batch* batch) : batch_(*batch) {}
+    ~Stopper() { batch_.Stop(nullptr); }
+    Stopper(const Stopper&) = delete;
+    Stopper& operator=(const Stopper&) = delete;
+
+   private:
+    Batch& batch_;
+  };
+
+  void RunThreads() {
+    std::vector<std::jthread> threads;
+    const Stopper stopper(this);  // before the threads are joined
+    try {
+      const size_t cores = std::max(1u, std::thread::hardware_concurrency());
+      while (threads.size() < cores) threads.emplace_back([this] { Work(); });
+    } catch (const std::system_error&) {  // The system has no further threads for us.
     }
+    if (threads.empty()) WorkHere();
+    while (IsGoingOn()) AwaitNext();
+  }
+
+  void Work() {
+    try {
+      while (Slot* const slot = TakeNext()) Finish(slot, RunOne(slot->target));
+    } catch (...) {
+      Stop(std::current_exception());
+    }
+  }
+
+  void WorkHere() {
+    while (Slot* const slot = TakeNext()) {
+      Finish(slot, RunOne(slot->target));
+      AwaitNext();
+    }
+  }
+
+  // Returns the slot of the next target when there is room for it; null at the end.
+  Slot* TakeNext() {
+    const std::lock_guard turn(turn_);
+    std::unique_lock lock(mutex_);
+    room_.wait(lock, [this] { return stopped_ || window_.size() < kWindow; });
+    if (stopped_ || ended_ || interruption != 0) return nullptr;
+    lock.unlock();
+    std::optional<Target> target = targets_.Next();
+    lock.lock();
+    ended_ = !target;
+    return ended_ ? nullptr : &window_.emplace_back(std::move(*target), std::nullopt);
   }
 
   Result RunOne(const Target& target) {
@@ -118,59 +162,108 @@ class Batch {
     }
   }
 
+  void Finish(Slot* slot, Result result) {
+    const std::lock_guard lock(mutex_);
+    slot->result = std::move(result);
+    ready_.notify_one();
+  }
+
+  void Stop(std::exception_ptr error) {
+    const std::lock_guard lock(mutex_);
+    stopped_ = true;
+    if (error && !error_) error_ = std::move(error);
+    room_.notify_all();
+    ready_.notify_one();
+  }
+
+  bool IsGoingOn() {
+    const std::lock_guard lock(mutex_);
+    return interruption == 0 && !stopped_ && !(ended_ && window_.empty());
+  }
+
   void AwaitNext() {
-    using std::chrono::steady_clock;
     std::unique_lock lock(mutex_);
-    ready_.wait_for(lock, std::chrono::milliseconds(100),
-                    [this] { return results_[printed_].has_value(); });
+    ready_.wait_for(lock, kTick, [this] {
+      return stopped_ || (window_.empty() ? ended_ : window_.front().result.has_value());
+    });
     lock.unlock();
     while (PrintNext()) {
-      if (steady_clock::now() >= nextProgress_) break;
+      if (Clock::now() >= nextTick_) break;
     }
-    if (steady_clock::now() < nextProgress_) return;
-    console_.Progress(printed_, targets_.size());
-    nextProgress_ = steady_clock::now() + std::chrono::milliseconds(100);
+    if (Clock::now() >= nextTick_) Tick();
   }
 
   // Prints the next result. False when it is not available yet, or there are no more.
   bool PrintNext() {
     std::unique_lock lock(mutex_);
-    if (printed_ == targets_.size() || !results_[printed_]) return false;
-    const Result result = *std::exchange(results_[printed_], std::nullopt);
+    if (window_.empty() || !window_.front().result) return false;
+    const Slot slot = std::move(window_.front());
+    window_.pop_front();
+    room_.notify_one();
     lock.unlock();
-    if (result.failure) console_.Fail(targets_[printed_].path, *result.failure);
-    if (!result.outcome.output.empty()) {
+    const Outcome& outcome = slot.result->outcome;
+    if (slot.result->failure) console_.Fail(slot.target.path, *slot.result->failure);
+    if (!outcome.output.empty()) {
       console_.Print(anyOutput_ ? separator_ : "");
-      console_.Print(result.outcome.output);
+      console_.Print(outcome.output);
       anyOutput_ = true;
     }
-    ++tally_.counts[result.outcome.type];
-    ++printed_;
+    ++tally_.counts[outcome.type];
     return true;
   }
 
-  const std::vector<Target>& targets_;
+  // Lets readers of the output have what there is, and shows the progress after a second.
+  void Tick() {
+    nextTick_ = Clock::now() + kTick;
+    console_.Flush();
+    const std::chrono::duration<double> spent = Clock::now() - start_;
+    if (!console_.ShowsProgress() || spent < std::chrono::seconds(1)) return;
+    if (!counter_.joinable()) StartCounting();
+    console_.Progress(tally_.Finished(), total_, spent.count());
+  }
+
+  // Counts the targets for the progress, far ahead of the work.
+  void StartCounting() {
+    const auto count = [this](const std::stop_token& stop) {
+      try {
+        const size_t all = targets_.Count(stop);
+        if (!stop.stop_requested()) total_ = all;
+      } catch (const std::exception&) {  // The progress goes without the total.
+      }
+    };
+    try {
+      counter_ = std::jthread(count);
+    } catch (const std::system_error&) {
+    }
+  }
+
+  static constexpr size_t kWindow = 256;  // targets that are begun and not printed
+
+  Targets& targets_;
   const std::function<Outcome(const Target&)>& function_;
   Console& console_;
   const char* const separator_;
   bool anyOutput_ = false;
-  std::chrono::steady_clock::time_point nextProgress_ =
-      std::chrono::steady_clock::now() + std::chrono::seconds(1);
+  const Clock::time_point start_ = Clock::now();
+  Clock::time_point nextTick_ = start_ + kTick;
   Tally tally_;
-  size_t printed_ = 0;
-  std::atomic<size_t> next_{0};
-  std::mutex mutex_;  // of results_
-  std::condition_variable ready_;
-  std::vector<std::optional<Result>> results_;
+  std::mutex turn_;   // to take the next target
+  std::mutex mutex_;  // of the following
+  std::condition_variable ready_, room_;
+  std::deque<Slot> window_;
+  bool ended_ = false;    // all targets have been taken
+  bool stopped_ = false;  // no further targets are taken
+  std::exception_ptr error_;
+  std::atomic<size_t> total_{0};  // 0: not counted yet
+  std::jthread counter_;          // the last member: it uses the others
 };
 
 }  // namespace
 
 size_t Tally::Finished() const { return std::accumulate(counts, std::end(counts), size_t{0}); }
 
-Tally RunAll(const std::vector<Target>& targets,
-             const std::function<Outcome(const Target&)>& function, Console* console,
-             const char* separator) {
+Tally RunAll(Targets* targets, const std::function<Outcome(const Target&)>& function,
+             Console* console, const char* separator) {
   return Batch(targets, function, console, separator).Run();
 }
 

@@ -1,10 +1,11 @@
-// Runs a function over many pictures, in threads; signals can interrupt it.
+// Runs a function over any number of pictures, in threads; signals can interrupt it.
 #ifndef LUMIGRAM_CLI_BATCH_H_
 #define LUMIGRAM_CLI_BATCH_H_
 
+#include <stddef.h>
+
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "cli/console.h"
 #include "cli/targets.h"
@@ -20,19 +21,20 @@ struct Outcome {
 
 struct Tally {
   size_t counts[Outcome::kTypes] = {};
-  size_t total = 0;
-  int signal = 0;  // the signal that interrupted the run; 0: none
+  size_t total = 0;  // of all targets; 0: unknown
+  int signal = 0;    // the signal that interrupted the run; 0: none
 
   size_t Finished() const;
 };
 
 // Runs the function, which may throw Failure, for every target, on as many threads as there are
-// cores. Outputs, with the separator between them, and failures are printed in the order of the
-// targets. After SIGINT, SIGTERM or SIGHUP, pictures in work are finished and no others are begun;
-// a second signal, over a second later, ends the process.
-Tally RunAll(const std::vector<Target>& targets,
-             const std::function<Outcome(const Target&)>& function, Console* console,
-             const char* separator = "");
+// cores, or on the caller's if there can be no others. Outputs, with the separator between them,
+// and failures are printed in the order of the targets. At a time, a limited number of targets is
+// in memory. After SIGINT, SIGTERM or SIGHUP, pictures in work are finished and no others are
+// begun; a second signal, over a second later, ends the process. What the targets throw is thrown
+// when the pictures in work are finished.
+Tally RunAll(Targets* targets, const std::function<Outcome(const Target&)>& function,
+             Console* console, const char* separator = "");
 
 }  // namespace lumigram::cli
 

@@ -4,8 +4,11 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/stat.h>
 
 #include <functional>
+#include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -23,8 +26,9 @@ namespace {
 
 int ExitStatusOf(const Tally& tally, Console* console) {
   if (tally.signal != 0) {
-    console->Complain("interrupted: " + std::to_string(tally.Finished()) + " of " +
-                      std::to_string(tally.total) + " pictures are done");
+    const std::string of = tally.total == 0 ? "" : " of " + std::to_string(tally.total);
+    console->Complain("interrupted: " + std::to_string(tally.Finished()) + of +
+                      " pictures are done");
     return kSignalled + tally.signal;
   }
   return tally.counts[Outcome::kFailed] + tally.counts[Outcome::kLosing] == 0 ? kAllWell
@@ -46,7 +50,7 @@ void PrintTally(const Tally& tally, const std::vector<std::pair<Outcome::Type, c
 
 using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&)>;
 
-int RewriteAll(const std::vector<Target>& targets, const Options& options, const Rewriter& rewrite,
+int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite,
                Console* console) {
   const bool dryRun = options.rewrite.dryRun;
   signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
@@ -121,29 +125,35 @@ std::vector<JsonEntry> ReadEntries(const Options& options) {
   }
 }
 
-// One object is for all paths of the command line; without paths, each object has its own.
-std::vector<Target> FindEntryTargets(const Options& options,
-                                     const std::vector<JsonEntry>& entries) {
-  if (!options.paths.empty()) {
-    if (entries.size() == 1) return FindTargets(options.paths, options.recursive);
-    throw UsageError(options.Source() + ": expected one object for the paths given, found " +
-                     std::to_string(entries.size()));
-  }
-  std::vector<std::string> paths;
-  for (const JsonEntry& entry : entries) {
-    if (entry.path.empty()) {
-      throw UsageError(options.Source() + ": " + entry.place + ": expected a member \"path\"");
+// The pictures that the objects of a file name.
+class EntryTargets : public Targets {
+ public:
+  EntryTargets(const std::vector<JsonEntry>& entries, const std::string& source) {
+    std::set<std::pair<dev_t, ino_t>> seen;
+    for (const JsonEntry& entry : entries) {
+      if (entry.path.empty()) {
+        throw UsageError(source + ": " + entry.place + ": expected a member \"path\"");
+      }
+      struct stat status;
+      if (stat(entry.path.c_str(), &status) == 0 &&
+          !seen.insert({status.st_dev, status.st_ino}).second) {
+        throw UsageError(source + ": " + entry.place +
+                         "/path: expected each picture once, found it again");
+      }
+      targets_.push_back(FileTarget(entry.path));
+      targets_.back().changes = std::make_shared<const Changes>(entry.changes);
     }
-    paths.push_back(entry.path);
   }
-  std::vector<Target> targets = FindTargets(paths, false);
-  for (size_t i = 0; i < entries.size(); ++i) {
-    if (i < targets.size() && targets[i].origin == i) continue;
-    throw UsageError(options.Source() + ": " + entries[i].place +
-                     "/path: expected each picture once, found it again");
+
+  std::optional<Target> Next() override {
+    return next_ == targets_.size() ? std::nullopt : std::optional(targets_[next_++]);
   }
-  return targets;
-}
+  size_t Count(const std::stop_token&) override { return targets_.size(); }
+
+ private:
+  std::vector<Target> targets_;
+  size_t next_ = 0;
+};
 
 // The changes of the command line are applied after those of the file.
 void AddOptions(const Changes& named, Changes* changes) {
@@ -166,56 +176,71 @@ const Blob& FindBlob(const Picture& picture, const Options& options) {
 }  // namespace
 
 int Show(const Options& options, Console* console) {
+  const auto toJson = [console](const Target& target, const Picture& picture) {
+    const std::string json = ToJson(target.path, picture);
+    return console->IsTerminal() ? PrintableJson(json) : json;
+  };
   const auto show = [&](const Target& target) -> Outcome {
     const Picture picture = ReadPicture(target.path);
     return {Outcome::kFine,
-            options.json ? ToJson(target.path, picture) : console->Describe(target.path, picture)};
+            options.json ? toJson(target, picture) : console->Describe(target.path, picture)};
   };
-  const auto targets = FindTargets(options.paths, options.recursive);
-  if (!options.json) return ExitStatusOf(RunAll(targets, show, console), console);
+  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  if (!options.json) return ExitStatusOf(RunAll(targets.get(), show, console), console);
   console->Print("[\n");
-  const Tally tally = RunAll(targets, show, console, ",\n");
+  const Tally tally = RunAll(targets.get(), show, console, ",\n");
   console->Print(tally.counts[Outcome::kFine] == 0 ? "]\n" : "\n]\n");
   return ExitStatusOf(tally, console);
 }
 
 int Set(const Options& options, Console* console) {
-  const Changes named = ParseChanges(options);
-  std::vector<JsonEntry> entries(1);
-  std::vector<Target> targets;
+  Changes named = ParseChanges(options);
+  std::unique_ptr<Targets> targets;
   if (options.from.empty()) {
     if (named.Empty() && !options.rewrite.replace) throw UsageError("set: nothing to change");
     if (options.paths.empty()) throw UsageError("set: PATHS are missing");
-    targets = FindTargets(options.paths, options.recursive);
   } else {
-    entries = ReadEntries(options);
-    targets = FindEntryTargets(options, entries);
+    std::vector<JsonEntry> entries = ReadEntries(options);
+    for (JsonEntry& entry : entries) AddOptions(named, &entry.changes);
+    if (options.paths.empty()) {
+      targets = std::make_unique<EntryTargets>(entries, options.Source());
+    } else if (entries.size() == 1) {
+      named = entries.front().changes;
+    } else {
+      throw UsageError(options.Source() + ": expected one object for the paths given, found " +
+                       std::to_string(entries.size()));
+    }
   }
-  for (JsonEntry& entry : entries) AddOptions(named, &entry.changes);
+  if (!targets) targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
   const auto set = [&](const Target& target, const Picture& picture) {
-    const JsonEntry& entry = entries.size() == 1 ? entries.front() : entries[target.origin];
-    return SetPicture(picture, entry.changes, options.rewrite);
+    const Changes& changes = target.changes ? *target.changes : named;
+    return SetPicture(picture, changes, options.rewrite);
   };
-  return RewriteAll(targets, options, set, console);
+  return RewriteAll(targets.get(), options, set, console);
 }
 
-// Prints the contents of all tags of one name, one on each line.
+// Prints the contents of all tags of one name, one on each line. The contents of a single picture
+// are printed as they are, unless on a terminal.
 int ShowTag(const Options& options, Console* console) {
-  const auto targets = FindTargets(options.paths, options.recursive);
-  const bool many = options.recursive || targets.size() > 1;
   const std::string name = ToUtf8(options.name);
+  if (name.find('=') != std::string::npos) {
+    throw UsageError("tag: " + Quoted(name) + " is not a tag's name; set --tag changes tags");
+  }
+  const bool many = options.recursive || options.paths.size() > 1;
+  const auto line = [&](const std::string& path, const std::string& content) {
+    if (console->IsTerminal()) return (many ? Printable(path) + ": " : "") + Printable(content);
+    return many ? Escaped(path) + "\t" + Escaped(content) : ToUtf8(content);
+  };
   const auto list = [&](const Target& target) -> Outcome {
     Outcome outcome = {Outcome::kFine, ""};
     const Picture picture = ReadPicture(target.path);
     for (const Tag& tag : picture.GetDocument().tags) {
-      if (ToUtf8(tag.name) != name) continue;
-      if (many) outcome.output += Printable(target.path) + (console->IsTerminal() ? ": " : "\t");
-      outcome.output +=
-          (console->IsTerminal() ? Printable(tag.content) : ToUtf8(tag.content)) + "\n";
+      if (ToUtf8(tag.name) == name) outcome.output += line(target.path, tag.content) + "\n";
     }
     return outcome;
   };
-  return ExitStatusOf(RunAll(targets, list, console), console);
+  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  return ExitStatusOf(RunAll(targets.get(), list, console), console);
 }
 
 int Extract(const Options& options, Console* console) {
@@ -244,7 +269,7 @@ int Extract(const Options& options, Console* console) {
 }
 
 int Check(const Options& options, Console* console) {
-  const auto targets = FindTargets(options.paths, options.recursive);
+  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
   const auto check = [](const Target& target) -> Outcome {
     Outcome outcome = {Outcome::kFine, ""};
     const Picture picture = ReadPicture(target.path);
@@ -260,7 +285,7 @@ int Check(const Options& options, Console* console) {
     }
     return outcome;
   };
-  const Tally tally = RunAll(targets, check, console);
+  const Tally tally = RunAll(targets.get(), check, console);
   PrintTally(
       tally,
       {{Outcome::kFine, "fine"}, {Outcome::kLosing, "with losses"}, {Outcome::kFailed, "failed"}},
@@ -272,7 +297,8 @@ int Clear(const Options& options, Console* console) {
   const auto clear = [&options](const Target&, const Picture& picture) {
     return ClearPicture(picture, options.rewrite);
   };
-  return RewriteAll(FindTargets(options.paths, options.recursive), options, clear, console);
+  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
+  return RewriteAll(targets.get(), options, clear, console);
 }
 
 }  // namespace lumigram::cli

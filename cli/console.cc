@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "cli/spelling.h"
@@ -39,6 +40,12 @@ std::vector<std::string> PictureFields(const Picture& picture) {
           std::to_string(picture.bytes.size()) + " bytes", picture.pop != 0 ? "pop" : ""};
 }
 
+std::string Duration(double seconds) {
+  if (seconds < 100) return std::to_string(std::lround(seconds)) + " s";
+  if (seconds < 6000) return std::to_string(std::lround(seconds / 60)) + " min";
+  return std::to_string(std::lround(seconds / 3600)) + " h";
+}
+
 }  // namespace
 
 Console::Console()
@@ -65,9 +72,17 @@ void Console::Complain(const std::string& message) {
   fprintf(stderr, "%s\n", Printable(message).c_str());
 }
 
-void Console::Progress(size_t done, size_t total) {
-  if (!errIsTerminal_) return;
-  fprintf(stderr, "\r%zu of %zu pictures\033[K", done, total);
+void Console::Flush() { fflush(stdout); }
+
+void Console::Progress(size_t done, size_t total, double seconds) {
+  const double rate = static_cast<double>(done) / seconds;
+  std::string line = std::to_string(done);
+  if (total >= done) line += " of " + std::to_string(total);
+  line += " pictures, " + std::to_string(std::lround(rate)) + "/s";
+  if (total >= done && done > 0) {
+    line += ", " + Duration(static_cast<double>(total - done) / rate) + " left";
+  }
+  fprintf(stderr, "\r%s\033[K", line.c_str());
   fflush(stderr);
   progressShown_ = true;
 }
@@ -77,21 +92,26 @@ void Console::ClearProgress() {
   progressShown_ = false;
 }
 
-std::vector<Console::Row> Console::Rows(const Picture& picture) {
+// Between tabs, a backslash is escaped, too, so that the output can be taken apart again.
+std::string Console::Shown(const std::string& text) const {
+  return outIsTerminal_ ? Printable(text) : Escaped(text);
+}
+
+std::vector<Console::Row> Console::Rows(const Picture& picture) const {
   std::vector<Row> rows;
   const Document& document = picture.GetDocument();
   for (const Label& label : document.labels) {
-    rows.push_back({"label", Printable(label.name), Printable(label.note),
-                    Printable(DescribePart(label.part))});
+    rows.push_back(
+        {"label", Shown(label.name), Shown(label.note), Shown(DescribePart(label.part))});
   }
-  if (!document.category.empty()) rows.push_back({"category", Printable(document.category)});
-  if (!document.type.empty()) rows.push_back({"type", Printable(document.type)});
+  if (!document.category.empty()) rows.push_back({"category", Shown(document.category)});
+  if (!document.type.empty()) rows.push_back({"type", Shown(document.type)});
   for (const Tag& tag : document.tags) {
-    rows.push_back({"tag", Printable(tag.name), Printable(tag.content)});
+    rows.push_back({"tag", Shown(tag.name), Shown(tag.content)});
   }
   for (const Blob& blob : picture.blobs) {
     const std::string size = std::to_string(blob.bytes.size()) + " bytes";
-    rows.push_back({"blob", Printable(blob.label), Printable(blob.name), size});
+    rows.push_back({"blob", Shown(blob.label), Shown(blob.name), size});
   }
   return rows;
 }
@@ -128,17 +148,17 @@ std::string Console::Aligned(const std::vector<Row>& rows) const {
 std::string Console::Describe(const std::string& path, const Picture& picture) const {
   std::vector<Row> rows = Rows(picture);
   for (const Finding& finding : picture.reading.findings) {
-    if (finding.severity != Finding::kNote) rows.push_back({"unread", Printable(finding.text)});
+    if (finding.severity != Finding::kNote) rows.push_back({"unread", Shown(finding.text)});
   }
   std::vector<std::string> fields = PictureFields(picture);
   if (fields.back().empty()) fields.pop_back();
   if (!outIsTerminal_) {
-    fields.insert(fields.begin(), {Printable(path), "picture"});
+    fields.insert(fields.begin(), {Shown(path), "picture"});
     std::string text = Joined(fields);
-    for (Row& row : rows) text += Printable(path) + "\t" + Joined(row);
+    for (Row& row : rows) text += Shown(path) + "\t" + Joined(row);
     return text;
   }
-  std::string text = Painted(Paint::kBold, Printable(path));
+  std::string text = Painted(Paint::kBold, Shown(path));
   for (const std::string& field : fields) text += "  " + field;
   return text + "\n" + Aligned(rows);
 }
@@ -155,7 +175,7 @@ std::string Console::DescribeChange(const std::string& path, const Picture& old,
   std::string text;
   const auto add = [&](Paint paint, const char* sign, const Row& row) {
     if (!outIsTerminal_) {
-      text += Printable(path) + "\t" + sign + "\t" + Joined(row);
+      text += Shown(path) + "\t" + sign + "\t" + Joined(row);
     } else {
       std::string line = std::string("  ") + sign;
       for (const std::string& field : row) line += "  " + field;
@@ -165,7 +185,7 @@ std::string Console::DescribeChange(const std::string& path, const Picture& old,
   for (const Row& row : before) add(Paint::kRed, "-", row);
   for (const Row& row : after) add(Paint::kGreen, "+", row);
   if (text.empty()) add(Paint::kDim, "*", {"only bytes change, no text"});
-  return outIsTerminal_ ? Painted(Paint::kBold, Printable(path)) + "\n" + text : text;
+  return outIsTerminal_ ? Painted(Paint::kBold, Shown(path)) + "\n" + text : text;
 }
 
 }  // namespace lumigram::cli

@@ -22,8 +22,12 @@ class Console {
   // Prints one line on standard error, even if the path contains line ends.
   void Fail(const std::string& path, const Failure& failure);
   void Complain(const std::string& message);
-  // Shows the progress if standard error is a terminal.
-  void Progress(size_t done, size_t total);
+  void Flush();
+
+  // The progress is for a standard error that is a terminal.
+  bool ShowsProgress() const { return errIsTerminal_; }
+  // Shows how many pictures are done, of how many (0: unknown), after how much time.
+  void Progress(size_t done, size_t total, double seconds);
   void ClearProgress();
 
   // Describes all metadata of a picture: in columns on a terminal, else one line for each text,
@@ -37,7 +41,8 @@ class Console {
   using Row = std::vector<std::string>;  // the kind, then the fields
   enum class Paint { kBold, kDim, kRed, kGreen };
 
-  static std::vector<Row> Rows(const Picture& picture);
+  std::string Shown(const std::string& text) const;
+  std::vector<Row> Rows(const Picture& picture) const;
   std::string Painted(Paint paint, const std::string& text) const;
   std::string Aligned(const std::vector<Row>& rows) const;
 

@@ -87,17 +87,27 @@ const Finding* Picture::First(Finding::Severity severity) const {
   return found == reading.findings.end() ? nullptr : &*found;
 }
 
-Kind KindOfPath(const std::string& path) {
+Failure Explained(const std::string& path, const Failure& failure, Access access) {
+  char words[kObstacleWords];
+  const bool isFound = FindObstacle(path.c_str(), access, words) != Obstacle::kNone;
+  return isFound ? Failure(failure.code, words) : failure;
+}
+
+Picture ReadPicture(const std::string& path) {
+  OpenedPicture file;
+  return ReadPicture(path, OpenedPicture::Purpose::kToRead, &file);
+}
+
+Picture ReadPicture(const std::string& path, OpenedPicture::Purpose purpose,
+                    OpenedPicture* file) try {
   FileType type = kFileTypeUnknown;
   if (GetFileType(path.c_str(), &type) != kOk) {
     throw Failure(kUnsupported, LumigramStatusText(kUnsupported));
   }
-  return static_cast<Kind>(type);
-}
-
-Picture ReadPicture(const std::string& path) {
-  const Kind kind = KindOfPath(path);
-  return InspectPicture(kind, ReadRegularFile(path));
+  OpenRegularFile(path, purpose, file);
+  return InspectPicture(static_cast<Kind>(type), {file->Bytes().begin(), file->Bytes().end()});
+} catch (const Failure& failure) {
+  throw Explained(path, failure);
 }
 
 Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes) {

@@ -10,6 +10,7 @@
 #include "cli/document_model.h"
 #include "cli/layout.h"
 #include "core/base/kind.h"
+#include "core/file/obstacle.h"
 
 namespace lumigram::cli {
 
@@ -27,11 +28,13 @@ struct Picture {
   const Finding* First(Finding::Severity severity) const;
 };
 
-// The kind that the extension of a path names. Throws Failure.
-Kind KindOfPath(const std::string& path);
+// Returns the failure with the reason that a look at the file gives, if there is one.
+Failure Explained(const std::string& path, const Failure& failure, Access access = Access::kRead);
 
-// Reads the picture at a path, which must name a regular file. Throws Failure.
+// Reads the picture at a path, which must name a regular file. The second form leaves it open. Throw
+// Failure.
 Picture ReadPicture(const std::string& path);
+Picture ReadPicture(const std::string& path, OpenedPicture::Purpose purpose, OpenedPicture* file);
 
 // Takes a complete picture apart. Throws Failure when the library cannot read it.
 Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes);

@@ -23,10 +23,17 @@ void Append(uint32_t code, std::string* out) {
   out->append(bytes, PutSequence(code, bytes));
 }
 
-// Whether the character has no width and changes the direction or the lines of the text around it.
-bool TurnsDirection(uint32_t code) {
-  return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
-         (code >= 0x2066 && code <= 0x2069);
+// Whether the character, which is not in the first 32, controls a terminal, or has no width and
+// changes the direction or the lines of the text around it.
+bool IsUnseen(uint32_t code) {
+  return (code >= 0x7F && code < 0xA0) || code == 0x061C || code == 0x200E || code == 0x200F ||
+         (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string Formatted(const char* format, uint32_t code) {
+  char text[16];
+  snprintf(text, sizeof text, format, static_cast<unsigned>(code));
+  return text;
 }
 
 }  // namespace
@@ -52,20 +59,31 @@ std::string ToJava(std::string_view text) {
 std::string Printable(std::string_view text) {
   std::string printable;
   ForEachCharacter(text, [&](uint32_t code, std::string_view bytes) {
-    char escape[16] = "";
     if (code == '\n') return (void)(printable += "\\n");
     if (code == '\t') return (void)(printable += "\\t");
     if (code == kNoCharacter) {
-      for (char c : bytes) {
-        snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(static_cast<uint8_t>(c)));
-        printable += escape;
-      }
-    } else if (code < 0x20 || (code >= 0x7F && code < 0xA0) || TurnsDirection(code)) {
-      snprintf(escape, sizeof escape, "\\u{%x}", static_cast<unsigned>(code));
-      printable += escape;
+      for (char c : bytes) printable += Formatted("\\x%02x", static_cast<uint8_t>(c));
+    } else if (code < 0x20 || IsUnseen(code)) {
+      printable += Formatted("\\u{%x}", code);
     } else {
       Append(code, &printable);
     }
+  });
+  return printable;
+}
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (size_t at; (at = text.find('\\')) != std::string_view::npos; text.remove_prefix(at + 1)) {
+    escaped += Printable(text.substr(0, at)) + "\\\\";
+  }
+  return escaped + Printable(text);
+}
+
+std::string PrintableJson(std::string_view json) {
+  std::string printable;
+  ForEachCharacter(json, [&](uint32_t code, std::string_view bytes) {
+    IsUnseen(code) ? printable += Formatted("\\u%04x", code) : printable += bytes;
   });
   return printable;
 }

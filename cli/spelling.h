@@ -22,6 +22,13 @@ std::string ToJava(std::string_view text);
 // change the direction of writing, and bytes that are no text appear as \n, \u{202e} and \xff.
 std::string Printable(std::string_view text);
 
+// The same, with \\ for a backslash: the text can be restored.
+std::string Escaped(std::string_view text);
+
+// Returns a JSON text in which no string holds characters that control a terminal or change the
+// direction of writing.
+std::string PrintableJson(std::string_view json);
+
 // Returns the beginning of a text, printable and in quotes, for a message.
 std::string Quoted(std::string_view text);
 

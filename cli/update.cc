@@ -20,7 +20,7 @@ bool Store(const std::string& path, const std::string& backupSuffix, const Pictu
     case OpenedPicture::Replacement::kGone:
       throw Failure(kCannotWrite, "was deleted while it was being changed");
     case OpenedPicture::Replacement::kCannotWrite:
-      throw FailureOfSystem(kCannotWrite, "cannot be written");
+      throw Explained(path, FailureOfSystem(kCannotWrite, "cannot be written"), Access::kWrite);
   }
   return false;
 }
@@ -30,11 +30,9 @@ bool Store(const std::string& path, const std::string& backupSuffix, const Pictu
 bool UpdatePicture(const std::string& path, const std::string& backupSuffix,
                    const std::function<std::optional<Picture>(const Picture&)>& rewrite) {
   constexpr int kTries = 5;
-  const Kind kind = KindOfPath(path);
   for (int i = 0; i < kTries; ++i) {
     OpenedPicture file;
-    OpenRegularFile(path, OpenedPicture::Purpose::kToReplace, &file);
-    const Picture picture = InspectPicture(kind, {file.Bytes().begin(), file.Bytes().end()});
+    const Picture picture = ReadPicture(path, OpenedPicture::Purpose::kToReplace, &file);
     const std::optional<Picture> built = rewrite(picture);
     if (!built) return false;
     if (Store(path, backupSuffix, *built, &file)) return true;
