@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """The command line tool from end to end, on copies of the samples: tests/tool_test.py [PROGRAM]"""
+import fcntl
 import json
 import os
 import pathlib
 import pty
+import resource
 import shlex
 import shutil
 import signal
@@ -103,6 +105,10 @@ COMMANDS = [
     ("set --backup --category c classic.gif", 1, '!classic.gif: the backup "classic.gif~": File exists (-99)\n'),
     ("set --replace --label only smile.gif plain.png", 0, "2 written\n"),
     ("clear smile.gif heart.png plain.png", 0, "2 written, 1 unchanged\n"),
+    ("extract EMJ boing.mid smile.gif -o link.gif", 1, "!link.gif: is the picture that the blob is taken from (-99)\n"),
+    ("extract EMJ boing.mid smile.gif -o /dev/full", 1, "!/dev/full: No space left on device (-99)\n"),
+    ("extract EMJ boing.mid smile.gif -o none/x", 1, "!none/x: No such file or directory (-99)\n"),
+    ("extract EMJ boing.mid smile.gif -o /dev/stdout", 0, "MThd"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
     (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters; the limit is 24"),
     ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label must begin with EMJ and have at most 11 bytes\n"),
@@ -192,6 +198,81 @@ def test_round_trip(folder):
            run("extract EMJX out.bin smile.gif")[1] != "some bytes", run("extract EMJ boing.mid smile.gif")[0] != 1)
 
 
+# A shell command that runs in place of each fsync() of `set --backup`, whose numbers are: 1 the backup, 2 its folder, 3 the new
+# picture. Then the exit status, a text in the errors, and what is there afterwards.
+SHIM = """#include <errno.h>
+#include <stdio.h>
+#include <stdlib.h>
+int fsync(int fd) {
+  static int n;
+  char command[999];
+  snprintf(command, sizeof command, "n=%d; %s", ++n, getenv("AT_SYNC"));
+  return system(command) == 0 ? 0 : (errno = EIO, -1);
+}"""
+AT_SYNC = [
+    ("[ $n != 3 ] || cmp -s p.png p.png~", 0, "", {"p.png": "new", "p.png~": "old"}),
+    ("[ $n != 1 ] || chmod 604 p.png", 0, "", {"p.png": "new", "p.png~": "old"}),
+    ("sleep 0.02; touch p.png", 1, "p.png: other programs kept changing it", {"p.png": "old"}),
+    ("rm -f p.png", 1, "p.png: was deleted while it was being changed", {}),
+    ("exit 1", 1, 'the backup "p.png~": Input/output error', {"p.png": "old"}),
+    ("[ $n != 2 ]", 1, 'the backup "p.png~" cannot be made durable: Input', {"p.png": "old"}),
+    ("[ $n != 3 ]", 1, "p.png: cannot be written: Input/output error", {"p.png": "old"}),
+    ("[ $n != 1 ] || kill -9 $PPID", -9, "", {"p.png": "old", "temporary": "old"}),
+    ("[ $n != 2 ] || kill -9 $PPID", -9, "", {"p.png": "old", "p.png~": "old"}),
+    ("[ $n != 3 ] || kill -9 $PPID", -9, "", {"p.png": "old", "p.png~": "old", "temporary": "new"}),
+]
+
+
+def test_storing(folder):
+    subprocess.run(["cc", "-shared", "-fPIC", "-xc", "-", "-o", folder.parent / "shim.so"], input=SHIM.encode(), check=True)
+    old, words = (ROOT / "samples/plain.png").read_bytes(), ["set", "--backup", "--category", "c", "p.png"]
+    for command, status, text, expected in AT_SYNC:
+        shutil.rmtree(folder)
+        folder.mkdir()
+        os.chdir(folder)
+        pathlib.Path("p.png").write_bytes(old)
+        os.chmod("p.png", 0o600)
+        done = subprocess.run([TOOL, *words], capture_output=True, text=True,
+                              env={**os.environ, "LD_PRELOAD": str(folder.parent / "shim.so"), "AT_SYNC": command})
+        left = {"temporary" if name.startswith(".lumigram-") else name: "old" if data == old else "new" for name, data in contents().items()}
+        modes = {path.stat().st_mode & 0o777 for path in pathlib.Path().glob("p*")}
+        report(f"at each sync: {command}", done.returncode != status and f"status {done.returncode}", text not in done.stderr and done.stderr,
+               left != expected and left, len(modes) > 1 or ("604" in command and modes != {0o604}) and f"modes {modes}",
+               status == -9 and run(words)[0] != 0 and "a killed run keeps the next one from working")
+
+
+def test_together(folder):
+    prepare(folder)
+    with open("star.png") as held:
+        fcntl.flock(held, fcntl.LOCK_EX)
+        waiting = subprocess.Popen([TOOL, "set", "--category", "c", "star.png"], stdout=subprocess.DEVNULL)
+        time.sleep(0.2)
+        early = waiting.poll() is not None
+        os.rename("heart.png", "star.png")
+    report("a lock is waited for", early, waiting.wait() != 0, "value 0" in run("show star.png")[1])
+    for i in range(20):
+        tools = [subprocess.Popen([TOOL, "set", "--tag", f"{name}={i}", "plain.png"], stdout=subprocess.DEVNULL) for name in "ab"]
+        if any([tool.wait() for tool in tools]) or run("show plain.png")[1].count(f"\t{i}\n") != 2:
+            return report("two tools on one picture", f"round {i}: an update is lost")
+    report("two tools on one picture", [name for name in contents() if name.startswith(".lumigram-")])
+
+
+def test_extract(folder):
+    prepare(folder)
+    os.chmod("out.bin", 0o640)
+    os.symlink("out.bin", "link.bin")
+    words = "extract EMJ motion.json smile.gif -o".split()
+    for name in ("link.bin", "new.bin"):
+        before = contents()
+        full = subprocess.run([TOOL, *words, name], stderr=subprocess.PIPE, text=True,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (99, 99)))
+        report(f"extract to a full disk: {name}", full.stderr != f"{name}: File too large (-99)\n" and full.stderr, contents() != before)
+        run([*words, name])
+    new = pathlib.Path("blobs/motion.json").read_bytes()
+    report("extract to a file", {contents()[name] for name in ("new.bin", "link.bin", "out.bin")} != {new},
+           not os.path.islink("link.bin"), os.stat("out.bin").st_mode & 0o777 != 0o640, os.stat("new.bin").st_mode & 0o111)
+
+
 def interrupt(folder):
     """Ctrl-C after the first ten of a thousand pictures. None if a busy machine was late, and all were done by then."""
     shutil.rmtree(folder)
@@ -225,7 +306,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_losing, test_texts, test_round_trip, test_thousand):
+        for test in (test_commands, test_losing, test_texts, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
