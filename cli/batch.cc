@@ -147,7 +147,7 @@ class Batch {
     std::optional<Target> target = targets_.Next();
     lock.lock();
     ended_ = !target;
-    return ended_ ? nullptr : &window_.emplace_back(std::move(*target), std::nullopt);
+    return ended_ ? nullptr : &window_.emplace_back(Slot{std::move(*target), std::nullopt});
   }
 
   Result RunOne(const Target& target) {

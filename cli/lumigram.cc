@@ -1,15 +1,20 @@
 // The command line of lumigram.
+#include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <exception>
 #include <iterator>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "cli/console.h"
+#include "cli/spelling.h"
 
 namespace lumigram::cli {
 namespace {
@@ -73,14 +78,18 @@ class CommandLine {
     AddExtract();
     AddCheck();
     AddClear();
+    AddHelp();
   }
 
   int Run(int argc, char** argv) {
     try {
       app_.parse(GuardArguments(argc, argv));
+    } catch (const CLI::Success& wish) {  // --help or --version
+      return app_.exit(wish);
     } catch (const CLI::ParseError& error) {
-      return app_.exit(error) == 0 ? kAllWell : kUsage;
+      return Refuse(Describe(error));
     }
+    if (app_.got_subcommand("help")) return PrintHelp();
     Console console;
     try {
       const int status = command_(options_, &console);
@@ -88,13 +97,44 @@ class CommandLine {
       console.Complain("lumigram: standard output cannot be written");
       return kSomeFailed;
     } catch (const UsageError& error) {
-      console.Complain(std::string("lumigram: ") + error.what());
-      return kUsage;
+      return Refuse(error.what());
     }
   }
 
  private:
   using Command = int (*)(const Options&, Console*);
+
+  static ExitStatus Refuse(const std::string& message) {
+    Console().Complain("lumigram: " + message);
+    return kUsage;
+  }
+
+  // Names the word at fault: one that is not known, or else the one that CLI11 names.
+  std::string Describe(const CLI::ParseError& error) const {
+    const auto commands = app_.get_subcommands();
+    const std::vector<std::string> unknown = app_.remaining(true);
+    if (commands.empty() && unknown.empty()) return "a command is missing; see lumigram --help";
+    if (commands.empty()) return Quoted(unknown[0]) + " is not a command; see lumigram --help";
+    const std::string command = commands[0]->get_name();
+    if (unknown.empty()) return command + ": " + error.what();
+    const std::string word = Unguarded(unknown[0]);
+    const bool isFile = word.starts_with('-') && access(word.c_str(), F_OK) == 0;
+    return command + ": " + Quoted(word) +
+           (isFile ? " is not an option; ./ in front makes it a path"
+                   : " is not expected here; see lumigram help " + command);
+  }
+
+  int PrintHelp() const {
+    if (topic_.empty()) return Print(CommandLine().app_.help());  // of no command
+    for (const CLI::App* command : app_.get_subcommands(nullptr)) {
+      if (command->get_name() == topic_) return Print(command->help("lumigram"));
+    }
+    return Refuse("help: " + Quoted(topic_) + " is not a command");
+  }
+
+  static ExitStatus Print(const std::string& text) {
+    return fputs(text.c_str(), stdout) >= 0 && fflush(stdout) == 0 ? kAllWell : kSomeFailed;
+  }
 
   CLI::App* AddCommand(const char* name, const char* help, Command command) {
     CLI::App* const app = app_.add_subcommand(name, help);
@@ -172,15 +212,52 @@ class CommandLine {
     AddPaths(app)->required();
   }
 
+  void AddHelp() {
+    AddText(AddCommand("help", "Explain a command", nullptr), "COMMAND", &topic_, "The command");
+  }
+
   CLI::App app_;
   Options options_;
+  std::string topic_;  // of the command "help"
   Command command_ = nullptr;
 };
+
+// A standard stream that is closed must not become the descriptor of a picture.
+void OpenStandardStreams() {
+  while (true) {
+    const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (descriptor > STDERR_FILENO) (void)close(descriptor);
+    if (descriptor < 0 || descriptor > STDERR_FILENO) return;
+  }
+}
+
+// An exception that cannot be thrown for want of memory, or that leaves a function of a library
+// which must not throw, ends the process here.
+[[noreturn]] void EndWithoutMemory() {
+  constexpr char kLine[] = "lumigram: no memory\n";
+  (void)!write(STDERR_FILENO, kLine, sizeof kLine - 1);
+  _exit(kSomeFailed);
+}
+
+// Runs before the constructors of global objects, which need memory, too.
+[[gnu::constructor(101)]] void PrepareForNoMemory() { std::set_terminate(EndWithoutMemory); }
+
+int Main(int argc, char** argv) {
+  try {
+    return CommandLine().Run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    EndWithoutMemory();
+  } catch (const std::exception& error) {
+    fprintf(stderr, "lumigram: %s\n", error.what());
+  }
+  return kSomeFailed;
+}
 
 }  // namespace
 }  // namespace lumigram::cli
 
 int main(int argc, char** argv) {
   signal(SIGXFSZ, SIG_IGN);  // A file over the size limit of the process fails as any other.
-  return lumigram::cli::CommandLine().Run(argc, argv);
+  lumigram::cli::OpenStandardStreams();
+  return lumigram::cli::Main(argc, argv);
 }

@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import resource
 import shlex
 import shutil
@@ -31,6 +32,13 @@ def run(command, stdin=""):
     words = shlex.split(command) if isinstance(command, str) else command
     done = subprocess.run([TOOL, *words], input=stdin.encode(), capture_output=True, timeout=60)
     return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
+
+
+def terminal(command, **env):
+    """What a terminal of that environment shows."""
+    control, screen = pty.openpty()
+    subprocess.run([TOOL, *shlex.split(command)], stdout=screen, env={"PATH": os.environ["PATH"], **env}, check=True)
+    return os.read(control, 4096).decode()
 
 
 def contents():
@@ -85,6 +93,20 @@ LOSING = {
 
 FROM = "set --from -"
 COMMANDS = [
+    ("", 2, "!lumigram: a command is missing; see lumigram --help\n"),
+    ("frob smile.gif", 2, '!lumigram: "frob" is not a command; see lumigram --help\n'),
+    ("show -dash.png", 2, '!lumigram: show: "-dash.png" is not an option; ./ in front makes it a path\n'),
+    ("set --labl x star.png", 2, '!lumigram: set: "--labl" is not expected here; see lumigram help set\n'),
+    ("show '--\x1b[31m'", 2, '!"--\\u{1b}[31m" is not'),
+    ("show", 2, "!lumigram: show: PATHS is required\n"),
+    ("set --category", 2, "!lumigram: set: --category: 1 required TEXT missing\n"),
+    ("set star.png", 2, "!lumigram: set: nothing to change\n"),
+    ("set --category c", 2, "!lumigram: set: PATHS are missing\n"),
+    ("set --backup=a/b --category c star.png", 2, "!a suffix must not contain a slash\n"),
+    ("tag mood=happy wink.gif", 2, '!lumigram: tag: "mood=happy" is not a tag'),
+    ("help", 0, "Usage: lumigram [OPTIONS] SUBCOMMAND\n", "\n  extract "),
+    ("help tag", 0, "Usage: lumigram tag [OPTIONS] NAME PATHS\n"),
+    ("help frob", 2, '!lumigram: help: "frob" is not a command\n'),
     ("show wink.gif", 0, "wink.gif\tpicture\tGIF\t64x64\t1354 bytes\nwink.gif\tlabel\twink\t😉\tverbal-noun\n"),
     ("show smile.gif link.gif", 0, "\tpop\n", "\tblob\tEMJMOTION\tmotion.json\t620 bytes\n"),
     ("show cut.png wide.png fake.gif plain.png", 1, "!fake.gif: holds a PNG picture; rename it to .png (-31)\n",
@@ -92,7 +114,15 @@ COMMANDS = [
     ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: no such file (-20)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
      "!.: a folder; use -r for the pictures in it (-20)\n"),
     ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
-    ("check [sub] -r wink.gif", 0, "2 fine\n"),
+    ("tag color smile.gif", 0, "yellow\n黄色\n"),
+    ("show -r [sub]", 0, "\ttag\tcolor\tgold\n[sub]/a.gif\tpicture", "\n[sub]/deep/sun.jpg\tpicture", "\n[sub]/w.gif\tpicture"),
+    ("check [sub] -r wink.gif", 0, "5 fine\n"),
+    ("check hard.png star.png", 0, "2 fine\n"),
+    ("check -r nope [sub]/deep", 1, "1 fine, 1 failed\n", "!nope: no such file (-20)\n"),
+    ("set -n -r --category k [sub] [sub]/deep [sub] wink.gif [sub]/CLASSIC.GIF", 0, "3 would be written\n"),
+    ("set -n -r --category k wink.gif [sub]/deep/sun.jpg [sub]/deep [sub]", 0, "3 would be written\n"),
+    ("set --category k hard.png star.png", 0, "1 written\n"),
+    ("clear -n [sub]/.lumigram-abcdefgh.gif", 1, "!a temporary file of a picture that is being replaced (-20)\n"),
     ("set -n --category= --label 'smile 😀:a\\:b' --label 笑う::15 --label '[new]:n:1' --tag color=red smile.gif", 0,
      "-\tcategory\tface\n", "-\tlabel\tsmile 😀\ta friendly face\tnoun\n", "+\tlabel\tsmile 😀\ta:b\tnoun\n",
      "+\tlabel\t[new]\tn\tnoun\n", "-\ttag\tcolor\t黄色\n", "+\ttag\tcolor\tred\n", "1 would be written\n"),
@@ -132,7 +162,12 @@ def prepare(folder):
     shutil.copy("blobs/boing.mid", "[sub]")
     shutil.copy("classic.gif", "[sub]/.lumigram-abcdefgh.gif")
     shutil.copy("classic.gif", "[sub]/CLASSIC.GIF")
-    for name, data in (("empty.gif", b""), ("out.bin", b"some bytes"), ("classic.gif~", b"old"),
+    os.mkdir("[sub]/deep")
+    shutil.copy("sun.jpg", "[sub]/deep")
+    for target, link in (("..", "up"), ("CLASSIC.GIF", "a.gif"), ("../wink.gif", "w.gif"), ("nothing", "z.png")):
+        os.symlink(target, f"[sub]/{link}")
+    os.link("star.png", "hard.png")
+    for name, data in (("empty.gif", b""), ("out.bin", b"some bytes"), ("classic.gif~", b"old"), ("-dash.png", b""),
                        ("fake.gif", pathlib.Path("wide.png").read_bytes())):
         pathlib.Path(name).write_bytes(data)
 
@@ -143,7 +178,7 @@ def test_commands(folder):
         before = contents()
         got, out, err = run(command, expected.pop(0) if command.startswith(FROM) else "")
         missing = [text for text in expected if text.lstrip("!") not in (err if text[0] == "!" else out)]
-        report(command[:100], got != status and f"status {got}", missing and f"no {missing} in:\n{out}{err}",
+        report(command[:100], got != status and f"status {got}", status == 2 and err.count("\n") != 1 and "not one line", missing and f"no {missing} in:\n{out}{err}",
                " written" not in out and contents() != before and "files have changed")
 
 
@@ -174,10 +209,55 @@ def test_texts(folder):
     report("unusual texts are read back", shown["labels"][0]["name"] != HOSTILE, run(["tag", HOSTILE, "plain.png"])[1] != HOSTILE + "\n")
     report("new texts are spelled as Java does", b"\xed\xa0\xbd\xed\xb8\x80" not in contents()["plain.png"],
            run(["set", "--category", b"\xff", "plain.png"])[0] != 2)
-    control, terminal = pty.openpty()
-    subprocess.run([TOOL, "show", "plain.png"], stdout=terminal, env={**os.environ, "TERM": "dumb", "LC_ALL": "C"})
-    screen, escaped = os.read(control, 4096).decode(), 'q"u\'o:\\ttab\\nline\\u{202e}rtl\\u{1b}[31m😀'
+    escaped = 'q"u\'o:\\ttab\\nline\\u{202e}rtl\\u{1b}[31m😀'
+    screen = terminal("show plain.png", LC_ALL="C")
     report("a terminal gets no control characters", screen.count(escaped) != 3 and repr(screen), "\x1b" in screen)
+    run(["set", "--category", "C1 \x9b\u202eback\\slash\n", "--replace", "plain.png"])
+    report("JSON on a terminal", "C1 \\u009b\\u202eback\\\\slash\\n" not in terminal("show --json plain.png"))
+    report("between tabs", "\tcategory\tC1 \\u{9b}\\u{202e}back\\\\slash\\n\n" not in run("show plain.png")[1])
+    coloured = {str(env): "\x1b[1m" in terminal("show plain.png", **env)
+                for env in ({"TERM": "xterm"}, {"TERM": "xterm", "NO_COLOR": ""}, {"TERM": "xterm", "NO_COLOR": "1"}, {})}
+    report("colours", list(coloured.values()) != [True, True, False, False] and coloured)
+
+
+def test_terminal(folder):
+    """A picture that is locked for a while holds up the others, and so shows the progress."""
+    prepare(folder)
+    control, errors = pty.openpty()
+    with open("[sub]/w.gif") as held:
+        fcntl.flock(held, fcntl.LOCK_EX)
+        work = subprocess.Popen([TOOL, "set", "-r", "--category", "c", "[sub]"], stdout=subprocess.PIPE, stderr=errors)
+        shown = ""
+        while shown.count(" left") < 3:
+            shown += os.read(control, 4096).decode()
+    report("progress", not re.search(r"\r2 of 3 pictures, [12]/s, [01] s left\x1b\[K", shown) and repr(shown),
+           work.communicate()[0] != b"3 written\n", not os.read(control, 4096).endswith(b"\r\x1b[K") and "the line stays")
+
+
+def test_shortages(folder):
+    prepare(folder)
+    expected = run("check -r .")
+    for what, kind, limits in (("threads", resource.RLIMIT_STACK, [1 << 47]), ("memory", resource.RLIMIT_AS, range(6 << 20, 32 << 20, 1 << 18)),
+                               ("descriptors", resource.RLIMIT_NOFILE, range(3, 9))):
+        results = []
+        for limit in limits:
+            done = subprocess.run([TOOL, "check", "-r", "."], capture_output=True, text=True,
+                                  preexec_fn=lambda: resource.setrlimit(kind, (limit, resource.getrlimit(kind)[1])))
+            results.append((done.returncode, done.stdout, done.stderr))
+        # 127: the dynamic linker has refused the program.
+        report(f"few {what}", [r for r in results if r[0] not in (0, 1, 127) or (r[0] and not r[2])], results[-1] != expected and results[-1])
+    work = subprocess.run(f"'{TOOL}' show wink.gif >&-; '{TOOL}' set --category c wink.gif <&- 2>&-; '{TOOL}' show wink.gif >/dev/full",
+                          shell=True, capture_output=True, text=True)
+    report("closed and full streams", work.stderr != "lumigram: standard output cannot be written\n" * 2 and work.stderr,
+           work.stdout != "1 written\n", run("check wink.gif")[0])
+    levels = 2100
+    for _ in range(levels):
+        os.mkdir("d")
+        os.chdir("d")
+    os.chdir(folder)
+    status, out, err = run("check -r d star.png")
+    report("folders deeper than a path can be", status != 1, out != "1 fine, 1 failed\n" and out, "d: File name too long (-20)" not in err and err)
+    subprocess.run(["rm", "-rf", "d"], check=True)
 
 
 def test_round_trip(folder):
@@ -306,7 +386,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_losing, test_texts, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
