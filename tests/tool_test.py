@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """The command line tool from end to end, on copies of the samples: tests/tool_test.py [PROGRAM]"""
+import contextlib
 import fcntl
 import json
 import os
@@ -34,11 +35,21 @@ def run(command, stdin=""):
     return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
 
 
-def terminal(command, **env):
-    """What a terminal of that environment shows."""
-    control, screen = pty.openpty()
-    subprocess.run([TOOL, *shlex.split(command)], stdout=screen, env={"PATH": os.environ["PATH"], **env}, check=True)
-    return os.read(control, 4096).decode()
+def screen(control, terminal):
+    """What else a terminal shows, whose programs have ended."""
+    os.close(terminal)
+    shown = b""
+    with contextlib.suppress(OSError):  # at the end
+        while True:
+            shown += os.read(control, 4096)
+    os.close(control)
+    return shown.decode()
+
+
+def on_terminal(command, **env):
+    control, terminal = pty.openpty()
+    subprocess.run([TOOL, *shlex.split(command)], stdout=terminal, env={"PATH": os.environ["PATH"], **env}, check=True)
+    return screen(control, terminal)
 
 
 def contents():
@@ -210,12 +221,12 @@ def test_texts(folder):
     report("new texts are spelled as Java does", b"\xed\xa0\xbd\xed\xb8\x80" not in contents()["plain.png"],
            run(["set", "--category", b"\xff", "plain.png"])[0] != 2)
     escaped = 'q"u\'o:\\ttab\\nline\\u{202e}rtl\\u{1b}[31m😀'
-    screen = terminal("show plain.png", LC_ALL="C")
-    report("a terminal gets no control characters", screen.count(escaped) != 3 and repr(screen), "\x1b" in screen)
+    shown = on_terminal("show plain.png", LC_ALL="C")
+    report("a terminal gets no control characters", shown.count(escaped) != 3 and repr(shown), "\x1b" in shown)
     run(["set", "--category", "C1 \x9b\u202eback\\slash\n", "--replace", "plain.png"])
-    report("JSON on a terminal", "C1 \\u009b\\u202eback\\\\slash\\n" not in terminal("show --json plain.png"))
+    report("JSON on a terminal", "C1 \\u009b\\u202eback\\\\slash\\n" not in on_terminal("show --json plain.png"))
     report("between tabs", "\tcategory\tC1 \\u{9b}\\u{202e}back\\\\slash\\n\n" not in run("show plain.png")[1])
-    coloured = {str(env): "\x1b[1m" in terminal("show plain.png", **env)
+    coloured = {str(env): "\x1b[1m" in on_terminal("show plain.png", **env)
                 for env in ({"TERM": "xterm"}, {"TERM": "xterm", "NO_COLOR": ""}, {"TERM": "xterm", "NO_COLOR": "1"}, {})}
     report("colours", list(coloured.values()) != [True, True, False, False] and coloured)
 
@@ -223,15 +234,15 @@ def test_texts(folder):
 def test_terminal(folder):
     """A picture that is locked for a while holds up the others, and so shows the progress."""
     prepare(folder)
-    control, errors = pty.openpty()
+    control, terminal = pty.openpty()
     with open("[sub]/w.gif") as held:
         fcntl.flock(held, fcntl.LOCK_EX)
-        work = subprocess.Popen([TOOL, "set", "-r", "--category", "c", "[sub]"], stdout=subprocess.PIPE, stderr=errors)
+        work = subprocess.Popen([TOOL, "set", "-r", "--category", "c", "[sub]"], stdout=subprocess.PIPE, stderr=terminal)
         shown = ""
         while shown.count(" left") < 3:
             shown += os.read(control, 4096).decode()
     report("progress", not re.search(r"\r2 of 3 pictures, [12]/s, [01] s left\x1b\[K", shown) and repr(shown),
-           work.communicate()[0] != b"3 written\n", not os.read(control, 4096).endswith(b"\r\x1b[K") and "the line stays")
+           work.communicate()[0] != b"3 written\n", not screen(control, terminal).endswith("\r\x1b[K") and "the line stays")
 
 
 def test_shortages(folder):
