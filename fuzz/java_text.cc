@@ -5,6 +5,7 @@
 #include <jni.h>
 
 #include <cstring>
+#include <type_traits>
 
 #include "fuzz/input.h"
 
@@ -34,7 +35,7 @@ jboolean NoException(JNIEnv*) { return JNI_FALSE; }
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  JNINativeInterface_ functions = {};
+  std::remove_cvref_t<decltype(*JNIEnv::functions)> functions = {};
   functions.NewStringUTF = NewString;
   functions.ExceptionCheck = NoException;
   JNIEnv env;

@@ -11,6 +11,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace lumigram::test {
@@ -65,7 +66,8 @@ class FakeJni {
   void CheckAllIsGivenBack() const;
   JavaObject*& FieldOf(jobject object, jfieldID id, bool isNumber = false);
 
-  JNINativeInterface_ table_ = {};
+  // The type has another name in a JDK's jni.h than in Android's.
+  std::remove_cvref_t<decltype(*JNIEnv::functions)> table_ = {};
   JNIEnv env_;
   std::vector<std::unique_ptr<JavaObject>> heap_;
   std::map<Values, JavaObject*> classes_;  // by the signatures of their fields
