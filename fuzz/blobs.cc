@@ -41,12 +41,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   uint32_t again = 0;
   rewind(stream.get());
   lumigram::ByteSource source(stream.get());
-  status = functions->copy(source, {label.c_str(), name.c_str()}, enough, &again);
+  status = functions->copy(source, {label.c_str(), name.c_str()}, &enough, &again);
   Require(
       status == 0 && again == length && std::equal(exact.get(), exact.get() + length, blob.get()),
       "a buffer of the blob's size is enough");
   Require(source.Rewind(), "a file in memory can be positioned");
-  status = functions->copy(source, {label.c_str(), name.c_str()}, tooLittle, &again);
+  status = functions->copy(source, {label.c_str(), name.c_str()}, &tooLittle, &again);
   Require(status == -99, "a smaller buffer is refused");
   return 0;
 }

@@ -11,6 +11,16 @@
  *                               fclose, free
  *   read what a batch reads     OpenFile, GetXmlString, GetLabelInfo, CollectTagGroups,
  *                               GetElementContent, fclose
+ *   list all blobs              OpenFile, ListBlobs, fclose
+ *
+ * and the same for a picture in memory:
+ *
+ *   find out its kind           GetFileTypeFromBytes
+ *   read the whole picture      GetPictureRecordFromBytes
+ *   write the whole picture     SetXmlStringToBytes, free
+ *   read one blob               GetBlobFromBytes for its size, malloc, GetBlobFromBytes, free
+ *   read what a batch reads     GetXmlStringFromBytes, then as above
+ *   list all blobs              ListBlobsFromBytes
  *
  * Conventions, for everything below:
  *
@@ -34,11 +44,17 @@
  * - Readers want the stream at the start of the picture, and leave it where they stopped, even
  *   after a failure. Size queries say where they leave it.
  * - A pointer may be null only where a function says so or names the status for it.
+ * - A picture in memory is given by its bytes and their number, at most 2,097,152; the bytes may be
+ *   null when the number is 0. Nothing is written to them, and no byte past them is read. Another
+ *   thread may change them during a call: the result is then a failure, or one that mixes old and
+ *   new bytes, but no call reads or writes past what it was given. An empty picture is not waited
+ *   for.
  */
 #ifndef LUMIGRAM_H_
 #define LUMIGRAM_H_
 
 #include <assert.h>
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
@@ -61,13 +77,13 @@ enum LumigramStatus {
   /* A size or a type cannot be had; an extraction has a null argument or an ordinary element over
    * 256 bytes; a stream refuses to seek back over a comment that is being rewritten. */
   kLumigramFailed = -1,
-  kLumigramNoTags = -2,        /* neither the start tag nor the end tag is there */
+  kLumigramNoTags = -2,        /* neither the start tag nor the end tag is there; no such blob */
   kLumigramStartTagOnly = -3,  /* a start tag without its end tag */
   kLumigramEndTagOnly = -4,    /* an end tag without its start tag */
   kLumigramNoDocument = -5,    /* the picture carries no document */
   kLumigramNullArgument = -10, /* a required argument is null */
   kLumigramCannotOpen = -20,   /* the picture cannot be opened */
-  kLumigramUnsupported = -21,  /* an unknown file name extension; a JPEG without a frame header */
+  kLumigramUnsupported = -21,  /* an unknown file type; a JPEG without a frame header */
   kLumigramMalformed = -30,    /* a damaged or truncated picture */
   kLumigramDimensions = -31,   /* a picture wider or higher than 960 pixels */
   kLumigramLabels = -40,       /* the labels of the document cannot be used */
@@ -137,7 +153,7 @@ enum {
 
 /* ---- records --------------------------------------------------------------------------------- */
 
-/* The kind of a picture, by its file name extension only. */
+/* The kind of a picture: by its file name extension, or by its first bytes if it is in memory. */
 typedef int32_t FileType;
 enum { kFileTypeUnknown = 0, kFileTypeGif = 1, kFileTypeJpeg = 2, kFileTypePng = 3 };
 
@@ -170,6 +186,32 @@ typedef struct AppExtEntry {
   char fileName[257];
   char binaryDataUri[1025];
 } AppExtEntry;
+
+/* The bytes of one new blob. bytes is null for an entry without bytes in memory. */
+typedef struct BlobBytes {
+  const uint8_t* bytes;
+  size_t size;
+} BlobBytes;
+
+/* Where the bytes of a record's new blobs come from: element i of blobs has those of blob entry i.
+ * Such an entry adds a blob, whatever its binaryDataUri is. An entry without bytes that names a
+ * file is refused unless mayOpenFiles is 1: a server must not embed a file because a record from
+ * elsewhere names it. All zero means no bytes and no files. */
+typedef struct NewBlobs {
+  const BlobBytes* blobs;
+  uint32_t count; /* elements of blobs, 0 to 100 */
+  int32_t mayOpenFiles;
+} NewBlobs;
+
+/* One blob of a picture. Texts end at their first NUL. */
+typedef struct BlobInfo {
+  char labelName[257];
+  char fileName[257]; /* the first 256 bytes of the name */
+  uint32_t size;      /* bytes of its data */
+} BlobInfo;
+
+/* Is called for each blob of a picture, in stored order. The blob is valid only during the call. */
+typedef void (*BlobCallback)(void* context, const BlobInfo* blob);
 
 /* The metadata of one picture. All zero means none. Each text is NUL-terminated within its array;
  * one without a terminator ends at the last byte of its array. Writing goes by the first byte of
@@ -336,6 +378,37 @@ LUMIGRAM_API int32_t SetXmlStringToFile(FILE* stream, const char* path, const At
 LUMIGRAM_API int32_t GetTagInfo(FILE* stream, FileType fileType, const char* tagName,
                                 char results[10][1025]);
 
+/* ---- whole pictures in memory ---------------------------------------------------------------- */
+
+/* Stores the kind that the first bytes of a picture show. Eight bytes are enough. Returns
+ *     0
+ *   -21: none of ours; the unknown kind is stored
+ *   -99, nothing stored: outType is null, or bytes is null and size is not 0 */
+LUMIGRAM_API int32_t GetFileTypeFromBytes(const uint8_t* bytes, size_t size, FileType* outType);
+
+/* As GetXmlString(), which has the statuses, for a picture in memory. Does not wait. */
+LUMIGRAM_API int32_t GetXmlStringFromBytes(const uint8_t* bytes, size_t size, FileType type,
+                                           char* xmlBuf, int32_t* height, int32_t* width,
+                                           int32_t* pop);
+
+/* As GetPictureRecord(), which has the statuses, for a picture in memory. */
+LUMIGRAM_API int32_t GetPictureRecordFromBytes(const uint8_t* bytes, size_t size, FileType type,
+                                               AttrInfo* attr, PictureSummary* summary);
+
+/* Builds the picture that SetXmlStringToFile() would write: the picture in memory with the metadata
+ * of the record. Stores its bytes, in a new block that the caller releases with free(), and their
+ * number; null and 0 after a failure. It is a new block because the size is known only when the
+ * picture has been built, and the largest room would be 2 MiB for a picture of a few KiB. newBlobs
+ * may be null. Returns
+ *     0
+ *   -10: attr, outBytes or outSize is null, or bytes is null and size is not 0
+ *   -99: the source is empty or over 2,097,152 bytes; a new blob is empty, its file is missing or
+ *        must not be opened; an unknown kind, a new blob without a name in a GIF, or no memory
+ *   -42, -41, -30: as SetXmlStringToFile() */
+LUMIGRAM_API int32_t SetXmlStringToBytes(const uint8_t* bytes, size_t size, FileType type,
+                                         const AttrInfo* attr, const NewBlobs* newBlobs,
+                                         uint8_t** outBytes, size_t* outSize);
+
 /* ---- the document of a picture --------------------------------------------------------------- */
 
 /* Reads the document of a picture of the given kind into xmlBuf (10,241 bytes, all zero), its
@@ -428,6 +501,32 @@ LUMIGRAM_API int32_t GetSizeApplicationExtensionFromPng(FILE* stream, uint32_t* 
 LUMIGRAM_API int32_t GetApplicationExtensionDataFromPng(FILE* stream, uint8_t* data,
                                                         uint32_t* dataLength, const char* label,
                                                         const char* fileName);
+
+/* Copies one blob of a picture in memory to data, which has room for capacity bytes, and stores how
+ * many bytes were copied. With data null, stores the blob's size only, and capacity is not used.
+ * Finds the blob as GetApplicationExtensionDataFromGif() or ...FromPng() does. Returns
+ *     0
+ *    -2: there is no such blob; a JPEG has none
+ *   -99: dataLength, label or fileName is null, or bytes is null and size is not 0; the picture is
+ *        over 2,097,152 bytes; an unknown kind; the blob is larger than capacity; and as the copy
+ *        of the kind
+ *   -30, -31: as the copy of the kind */
+LUMIGRAM_API int32_t GetBlobFromBytes(const uint8_t* bytes, size_t size, FileType type,
+                                      const char* label, const char* fileName, uint8_t* data,
+                                      size_t capacity, size_t* dataLength);
+
+/* Calls back for each blob whose label begins "EMJ" and whose lengths fit the picture. A JPEG has
+ * none. Reads from the start of the file, whatever the stream's position, which is unspecified
+ * afterwards. After a failure, the blobs before the damage have been reported. Returns
+ *     0
+ *   -99: stream or callback is null, the kind is unknown, the size cannot be had or is above
+ *        2,097,152, or the stream cannot be positioned
+ *   -30: a damaged or truncated picture */
+LUMIGRAM_API int32_t ListBlobs(FILE* stream, FileType type, BlobCallback callback, void* context);
+
+/* The same for a picture in memory. */
+LUMIGRAM_API int32_t ListBlobsFromBytes(const uint8_t* bytes, size_t size, FileType type,
+                                        BlobCallback callback, void* context);
 
 /* ---- parts of a document --------------------------------------------------------------------- */
 

@@ -24,7 +24,7 @@ bool CopyBlob(const PictureFile& picture, const WantedBlob& wanted, Blob* blob) 
   if (blob->bytes == nullptr) return false;
   ByteSource source = picture.Source();
   OutputBuffer data(blob->bytes.get(), static_cast<uint32_t>(size));
-  return functions->copy(source, wanted, data, &blob->length) == kOk;
+  return functions->copy(source, wanted, &data, &blob->length) == kOk;
 }
 
 bool ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {

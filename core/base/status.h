@@ -13,12 +13,13 @@ enum [[nodiscard]] Status : int32_t {
   kFailed            = kLumigramFailed,        // no size or type, or a faulty element
   kCannotGoBack      = kLumigramFailed,        // a stream refuses to seek back over a comment
   kNoTags            = kLumigramNoTags,        // neither start tag nor end tag
+  kNoBlob            = kLumigramNoTags,        // no blob has the wanted label and name
   kStartTagOnly      = kLumigramStartTagOnly,  // no end tag
   kEndTagOnly        = kLumigramEndTagOnly,    // no start tag
   kNoDocument        = kLumigramNoDocument,    // a picture without metadata
   kNullArgument      = kLumigramNullArgument,  // null, or a Java text that cannot be read
   kCannotOpen        = kLumigramCannotOpen,    // the picture cannot be opened
-  kUnsupported       = kLumigramUnsupported,   // the extension is not one of ours
+  kUnsupported       = kLumigramUnsupported,   // extension or first bytes are not of ours
   kNoFrameHeader     = kLumigramUnsupported,   // a JPEG picture without dimensions
   kMalformed         = kLumigramMalformed,     // a short read, or bytes that are not allowed there
   kDimensions        = kLumigramDimensions,    // over 960 pixels

@@ -4,6 +4,8 @@
 
 #include <stdint.h>
 
+#include <iterator>
+#include <span>
 #include <string_view>
 
 #include "core/base/bytes.h"
@@ -34,13 +36,38 @@ inline void SetUri(std::string_view uri, AppExtEntry* entry) {
   CopyText(entry->fileName, BlobName(uri));
 }
 
-// An entry keeps a blob of the picture, or adds one from a file, or is not in use.
+// The URI of an entry keeps a blob of the picture, or adds one from a file, or is not in use.
 inline bool IsKept(const AppExtEntry& entry) {
   return BeginsWith(std::string_view(entry.binaryDataUri, kThisPicture.size()), kThisPicture);
 }
 inline bool IsNew(const AppExtEntry& entry) {
   return entry.binaryDataUri[0] != '\0' && !IsKept(entry);
 }
+
+// A record that is to be written, and where the bytes of its new blobs come from. Borrows both.
+struct RecordToWrite {
+  // All new blobs come from the files that the entries name.
+  RecordToWrite(const AttrInfo& record) : attr(record) {}  // NOLINT(google-explicit-constructor)
+  RecordToWrite(const AttrInfo& record, const NewBlobs& newBlobs)
+      : attr(record),
+        inMemory(newBlobs.blobs, newBlobs.blobs == nullptr ? 0 : newBlobs.count),
+        mayOpenFiles(newBlobs.mayOpenFiles != 0) {}
+
+  // The bytes of the blob that an entry adds from memory; null for an entry that adds none.
+  const uint8_t* InMemory(size_t entry) const {
+    return entry < inMemory.size() ? inMemory[entry].bytes : nullptr;
+  }
+  bool IsKept(size_t entry) const {
+    return InMemory(entry) == nullptr && lumigram::IsKept(attr.appExt[entry]);
+  }
+  bool IsNew(size_t entry) const {
+    return InMemory(entry) != nullptr || lumigram::IsNew(attr.appExt[entry]);
+  }
+
+  const AttrInfo& attr;
+  const std::span<const BlobBytes> inMemory;
+  const bool mayOpenFiles = true;
+};
 
 // The search for a blob: the first blob whose label and name begin with these.
 struct WantedBlob {
@@ -63,9 +90,9 @@ inline bool Keeps(std::string_view name, std::string_view storedName) {
 // The names of the blobs that a record keeps. Borrows the record.
 class KeptNames {
  public:
-  explicit KeptNames(const AttrInfo& attr) {
-    for (const AppExtEntry& entry : attr.appExt) {
-      if (IsKept(entry)) names_[count_++] = TextOf(entry.fileName);
+  explicit KeptNames(const RecordToWrite& record) {
+    for (size_t i = 0; i < std::size(record.attr.appExt); ++i) {
+      if (record.IsKept(i)) names_[count_++] = TextOf(record.attr.appExt[i].fileName);
     }
   }
 

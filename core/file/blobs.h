@@ -14,8 +14,9 @@
 namespace lumigram {
 
 struct BlobFunctions {
-  BlobSizes (*measure)(ByteSource& source, const AttrInfo& attr);
-  Status (*copy)(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+  BlobSizes (*measure)(ByteSource& source, const RecordToWrite& record);
+  // Copies the data of a blob, or only stores their length if data is null.
+  Status (*copy)(ByteSource& source, const WantedBlob& wanted, OutputBuffer* data,
                  uint32_t* dataLength);
   // Appends the data of a blob that a survey has found.
   Status (*copyFound)(ByteSource& source, const FoundBlob& blob, OutputBuffer& data);

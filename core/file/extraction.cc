@@ -32,6 +32,14 @@ const Readers* ReadersOf(Kind kind) {
 
 }  // namespace
 
+bool IsPictureSized(FILE* stream, int32_t* size) {
+  return CommonGetFileSize(stream, size) == kOk && *size <= kLumigramMaxPictureBytes;
+}
+
+bool IsPictureSized(const uint8_t* bytes, size_t size) {
+  return size <= kLumigramMaxPictureBytes && (bytes != nullptr || size == 0);
+}
+
 Status ExtractDocument(ByteSource& source, Kind kind, const ReaderOutputs& out) {
   const Readers* const readers = ReadersOf(kind);
   if (readers == nullptr) return kBadArgument;
@@ -56,10 +64,17 @@ int32_t GetXmlString(FILE* stream, FileType type, char* xmlBuf, int32_t* height,
   const std::optional<Kind> kind = KindOf(type);
   if (!kind) return kBadArgument;
   int32_t size = 0;
-  if (CommonGetFileSize(stream, &size) != kOk || size > kLumigramMaxPictureBytes)
-    return kBadArgument;
+  if (!IsPictureSized(stream, &size)) return kBadArgument;
   // Give a program that has just created the file time to write it.
   if (size == 0) sleep(1);
   ByteSource source(stream);
+  return ExtractDocument(source, *kind, {xmlBuf, height, width, pop});
+}
+
+int32_t GetXmlStringFromBytes(const uint8_t* bytes, size_t size, FileType type, char* xmlBuf,
+                              int32_t* height, int32_t* width, int32_t* pop) {
+  const std::optional<Kind> kind = KindOf(type);
+  if (!kind || xmlBuf == nullptr || !IsPictureSized(bytes, size)) return kBadArgument;
+  ByteSource source({bytes, size});
   return ExtractDocument(source, *kind, {xmlBuf, height, width, pop});
 }

@@ -10,6 +10,11 @@
 
 namespace lumigram {
 
+// Whether a caller's stream or memory can be a picture that is read: of at most 2 MiB. Stores the
+// size of the stream. Memory may be null if it is empty.
+bool IsPictureSized(FILE* stream, int32_t* size);
+bool IsPictureSized(const uint8_t* bytes, size_t size);
+
 // As GetXmlString(), after its checks of arguments and size. Returns kNoDocument without a
 // document, kBadArgument for an unknown kind, else the status of the kind's reader.
 Status ExtractDocument(ByteSource& source, Kind kind, const ReaderOutputs& out);

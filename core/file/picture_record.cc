@@ -78,8 +78,16 @@ int32_t GetPictureRecord(FILE* stream, FileType type, AttrInfo* attr, PictureSum
   const std::optional<Kind> kind = KindOf(type);
   if (!kind) return kBadArgument;
   int32_t size = 0;
-  if (CommonGetFileSize(stream, &size) != kOk || size > kLumigramMaxPictureBytes)
-    return kBadArgument;
+  if (!IsPictureSized(stream, &size)) return kBadArgument;
   ByteSource source(stream);
+  return ReadPictureRecord(source, *kind, attr, summary);
+}
+
+int32_t GetPictureRecordFromBytes(const uint8_t* bytes, size_t size, FileType type, AttrInfo* attr,
+                                  PictureSummary* summary) {
+  if (attr == nullptr || summary == nullptr || !IsPictureSized(bytes, size)) return kBadArgument;
+  const std::optional<Kind> kind = KindOf(type);
+  if (!kind) return kBadArgument;
+  ByteSource source({bytes, size});
   return ReadPictureRecord(source, *kind, attr, summary);
 }

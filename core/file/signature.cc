@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "core/base/bytes.h"
+#include "core/base/status.h"
 #include "core/gif/gif_format.h"
 #include "core/png/png_format.h"
 
@@ -30,3 +31,12 @@ std::optional<Kind> KindFromSignature(std::span<const uint8_t> bytes) {
 }
 
 }  // namespace lumigram
+
+using namespace lumigram;
+
+int32_t GetFileTypeFromBytes(const uint8_t* bytes, size_t size, FileType* outType) {
+  if (outType == nullptr || (bytes == nullptr && size > 0)) return kBadArgument;
+  const std::optional<Kind> kind = KindFromSignature({bytes, size});
+  *outType = kind ? static_cast<FileType>(*kind) : FileType{kFileTypeUnknown};
+  return kind ? kOk : kUnsupported;
+}

@@ -71,7 +71,7 @@ Status BlobMeter::CountNamed(ByteSource& source) {
 
 class AllBlobsMeter : public PassesCommentsAndImages {
  public:
-  explicit AllBlobsMeter(const AttrInfo& attr) : names_(attr) {}
+  explicit AllBlobsMeter(const RecordToWrite& record) : names_(record) {}
 
   Status OnApplication(ByteSource& source);
   const BlobSizes& Sizes() const { return sizes_; }
@@ -95,14 +95,20 @@ Status AllBlobsMeter::OnApplication(ByteSource& source) {
   return s;
 }
 
-// Copies the data of a blob without the sizes of its sub-blocks. *length is right even after a
-// failure.
-Status CopyChain(ByteSource& source, OutputBuffer& data, uint32_t* length) {
+Status SkipBytes(ByteSource& source, uint32_t n) {
+  if (n > source.Remaining()) return kMalformed;
+  return source.Skip(n) ? kOk : kBadStream;
+}
+
+// Copies the data of a blob without the sizes of its sub-blocks, or only adds up their length if
+// data is null. *length is right even after a failure.
+Status CopyChain(ByteSource& source, OutputBuffer* data, uint32_t* length) {
   uint8_t size;
   if (!source.ReadByte(&size)) return kMalformed;
   while (size != 0) {
-    if (Status s = CopyBytes(source, size, data); s != kOk) return s;
-    *length = data.Size();
+    const Status s = data == nullptr ? SkipBytes(source, size) : CopyBytes(source, size, *data);
+    if (s != kOk) return s;
+    *length += size;
     if (!source.ReadByte(&size)) return kMalformed;
   }
   return kOk;
@@ -110,14 +116,14 @@ Status CopyChain(ByteSource& source, OutputBuffer& data, uint32_t* length) {
 
 class BlobCopier : public PassesCommentsAndImages {
  public:
-  BlobCopier(const WantedBlob& wanted, OutputBuffer& data, uint32_t* dataLength)
+  BlobCopier(const WantedBlob& wanted, OutputBuffer* data, uint32_t* dataLength)
       : wanted_(wanted), data_(data), dataLength_(dataLength) {}
 
   Status OnApplication(ByteSource& source);
 
  private:
   const WantedBlob wanted_;
-  OutputBuffer& data_;
+  OutputBuffer* const data_;
   uint32_t* const dataLength_;
 };
 
@@ -140,7 +146,7 @@ Status BlobCopier::OnApplication(ByteSource& source) {
 
 }  // namespace
 
-Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer* data,
                        uint32_t* dataLength) {
   *dataLength = 0;
   if (wanted.label.size() > kMaxWanted || wanted.name.size() > kMaxWanted) return kBadArgument;
@@ -148,17 +154,18 @@ Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffe
   if (Status s = ReadScreen(source, &screen); s != kOk) return s;
   if (!IsEmojiSized(screen)) return kDimensions;
   BlobCopier copier(wanted, data, dataLength);
-  return WalkGifBlocks(source, screen, copier);
+  if (Status s = WalkGifBlocks(source, screen, copier); s != kOk) return s;
+  return copier.done ? kOk : kNoBlob;
 }
 
 Status CopyFoundBlobFromGif(ByteSource& source, const FoundBlob& blob, OutputBuffer& data) {
   uint32_t length = 0;
   if (!source.MoveTo(blob.position)) return kBadStream;
-  return blob.size == 0 ? kOk : CopyChain(source, data, &length);
+  return blob.size == 0 ? kOk : CopyChain(source, &data, &length);
 }
 
-BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr) {
-  AllBlobsMeter meter(attr);
+BlobSizes MeasureBlobsInGif(ByteSource& source, const RecordToWrite& record) {
+  AllBlobsMeter meter(record);
   GifScreen screen;
   if (ReadScreen(source, &screen) == kOk) (void)WalkGifBlocks(source, screen, meter);
   return meter.Sizes();
@@ -189,5 +196,6 @@ int32_t GetApplicationExtensionDataFromGif(FILE* stream, uint8_t* data, uint32_t
   }
   ByteSource source(stream);
   OutputBuffer room(data, UINT32_MAX);  // The caller promises that data holds the blob.
-  return CopyBlobFromGif(source, {label, fileName}, room, dataLength);
+  const Status s = CopyBlobFromGif(source, {label, fileName}, &room, dataLength);
+  return s == kNoBlob ? kOk : s;
 }

@@ -12,9 +12,10 @@
 
 namespace lumigram {
 
-// As GetApplicationExtensionDataFromGif(), from any source, into an empty buffer. Returns kNoRoom
-// for a blob that does not fit: the picture may have grown since the buffer was made.
-Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+// As GetApplicationExtensionDataFromGif(), from any source, into an empty buffer. With data null,
+// only stores the length. Returns kNoBlob if there is no such blob; kNoRoom for a blob that does not
+// fit: the picture may have grown since the buffer was made.
+Status CopyBlobFromGif(ByteSource& source, const WantedBlob& wanted, OutputBuffer* data,
                        uint32_t* dataLength);
 
 // Appends the data of a blob that a survey has found. Returns kOk; kBadStream; kMalformed if the
@@ -23,7 +24,7 @@ Status CopyFoundBlobFromGif(ByteSource& source, const FoundBlob& blob, OutputBuf
 
 // As GetSizeApplicationExtensionFromGif(), for all blobs and for each that the record keeps, in one
 // walk. If the walk fails, the result is the count up to there. The source is not put back.
-BlobSizes MeasureBlobsInGif(ByteSource& source, const AttrInfo& attr);
+BlobSizes MeasureBlobsInGif(ByteSource& source, const RecordToWrite& record);
 
 }  // namespace lumigram
 

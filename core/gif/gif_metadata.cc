@@ -3,8 +3,7 @@
 
 #include <algorithm>
 
-#include "core/base/path.h"
-#include "core/document/blob_entries.h"
+#include "core/document/new_blob.h"
 #include "core/gif/gif_format.h"
 #include "core/gif/gif_writer.h"
 
@@ -20,11 +19,10 @@ Status PutText(std::string_view text, OutputBuffer& out) {
   return PutSubBlock(out, {}) ? kOk : kNoRoom;
 }
 
-// Appends as many bytes as the file had when it was measured; none if it cannot be measured.
-Status PutFile(const char* path, OutputBuffer& out) {
-  const ScopedFile file(OpenForReading(path));
-  if (file == nullptr) return kBadBlob;
-  ByteSource source(file.get());
+// Appends as many bytes as a file had when it was measured; none if it cannot be measured.
+Status PutData(const NewBlob& blob, OutputBuffer& out) {
+  if (!blob.IsThere()) return kBadBlob;
+  ByteSource source = blob.Source();
   const bool isMeasured = source.Measure();
   while (isMeasured && source.Remaining() > 0) {
     const uint64_t size = std::min<uint64_t>(source.Remaining(), kMaxSubBlock);
@@ -35,7 +33,7 @@ Status PutFile(const char* path, OutputBuffer& out) {
   return PutSubBlock(out, {}) ? kOk : kNoRoom;
 }
 
-Status PutBlob(const AppExtEntry& entry, OutputBuffer& out) {
+Status PutBlob(const AppExtEntry& entry, const NewBlob& blob, OutputBuffer& out) {
   // An empty name is stored as a terminator: the extension would end there, and its data would be
   // taken for blocks.
   const std::string_view name = TextOf(entry.fileName);
@@ -47,19 +45,19 @@ Status PutBlob(const AppExtEntry& entry, OutputBuffer& out) {
   if (!out.Put(introducer) || !PutSubBlock(out, {label, kBlobLabelSize}) ||
       !PutSubBlock(out, stored))
     return kNoRoom;
-  char path[sizeof(entry.binaryDataUri)];
-  CopyText(path, TextOf(entry.binaryDataUri));
-  return PutFile(path, out);
+  return PutData(blob, out);
 }
 
 }  // namespace
 
-Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out) {
+Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const RecordToWrite& record,
+                              OutputBuffer& out) {
   if (doc.length > kLumigramMaxDocumentBytes) return kTooLong;
   if (Status s = PutText({doc.text, static_cast<size_t>(doc.length)}, out); s != kOk) return s;
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (!IsNew(entry) || entry.labelName[0] == '\0') continue;
-    if (Status s = PutBlob(entry, out); s != kOk) return s;
+  for (size_t i = 0; i < std::size(record.attr.appExt); ++i) {
+    const AppExtEntry& entry = record.attr.appExt[i];
+    if (!record.IsNew(i) || entry.labelName[0] == '\0') continue;
+    if (Status s = PutBlob(entry, NewBlob(record, i), out); s != kOk) return s;
   }
   return kOk;
 }

@@ -13,9 +13,14 @@ namespace {
 // unchanged, including unknown blocks. Nothing is appended until we know that it will be kept.
 class PictureCopier {
  public:
-  PictureCopier(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+  PictureCopier(ByteSource& source, const XmlStringInfo& doc, const RecordToWrite& record,
                 OutputBuffer& out)
-      : source_(source), doc_(doc), attr_(attr), out_(out), kept_(attr), placed_(doc.length <= 0) {}
+      : source_(source),
+        doc_(doc),
+        record_(record),
+        out_(out),
+        kept_(record),
+        placed_(doc.length <= 0) {}
 
   Status Copy();
 
@@ -37,7 +42,7 @@ class PictureCopier {
 
   ByteSource& source_;
   const XmlStringInfo& doc_;
-  const AttrInfo& attr_;
+  const RecordToWrite& record_;
   OutputBuffer& out_;
   const KeptNames kept_;
   bool placed_;  // the new document has been appended, or there is none
@@ -148,14 +153,14 @@ bool PictureCopier::PutHead(uint8_t label) {
 
 Status PictureCopier::PlaceDocument() {
   placed_ = true;
-  return PutHead(kGifComment) ? SetMetadataBlocksToGif(doc_, attr_, out_) : kNoRoom;
+  return PutHead(kGifComment) ? SetMetadataBlocksToGif(doc_, record_, out_) : kNoRoom;
 }
 
 }  // namespace
 
-Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const RecordToWrite& record,
                          OutputBuffer& out) {
-  return PictureCopier(source, doc, attr, out).Copy();
+  return PictureCopier(source, doc, record, out).Copy();
 }
 
 }  // namespace lumigram

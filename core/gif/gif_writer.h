@@ -5,6 +5,7 @@
 #include "core/base/byte_source.h"
 #include "core/base/output_buffer.h"
 #include "core/base/status.h"
+#include "core/document/blob_entries.h"
 #include "lumigram.h"
 
 namespace lumigram {
@@ -14,11 +15,12 @@ namespace lumigram {
 // document and no new blob are written. Returns kOk; kMalformed for a truncated picture; kTooLong
 // for a document over 10,240 bytes; kCannotGoBack; kBadBlob; kBadArgument for a new blob without
 // a name; kBadStream; kNoRoom. After a failure out holds a part of the picture.
-Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+Status SetXmlStringToGif(ByteSource& source, const XmlStringInfo& doc, const RecordToWrite& record,
                          OutputBuffer& out);
 
 // Appends the document comment, without its introducer and label, and then the new blobs.
-Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out);
+Status SetMetadataBlocksToGif(const XmlStringInfo& doc, const RecordToWrite& record,
+                              OutputBuffer& out);
 
 }  // namespace lumigram
 

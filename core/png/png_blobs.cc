@@ -103,7 +103,7 @@ Status FindBlob(ByteSource& source, const WantedBlob& wanted, bool* found) {
 
 }  // namespace
 
-Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer* data,
                        uint32_t* dataLength) {
   *dataLength = 0;
   if (wanted.label.size() > kMaxWantedSize || wanted.name.size() > kMaxWantedSize) {
@@ -114,11 +114,14 @@ Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffe
   if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
   if (!IsEmojiSized(head)) return kDimensions;
   bool found;
-  if (Status s = FindBlob(source, wanted, &found); s != kOk || !found) return s;
+  if (Status s = FindBlob(source, wanted, &found); s != kOk) return s;
+  if (!found) return kNoBlob;
   uint32_t size;
   if (!source.ReadBe32(&size)) return kMalformed;
   if (size > source.Remaining()) return kBadBlob;
-  if (Status s = CopyBytes(source, size, data); s != kOk) return s;
+  if (data != nullptr) {
+    if (Status s = CopyBytes(source, size, *data); s != kOk) return s;
+  }
   *dataLength = size;
   return kOk;
 }
@@ -127,9 +130,9 @@ Status CopyFoundBlobFromPng(ByteSource& source, const FoundBlob& blob, OutputBuf
   return source.MoveTo(blob.position) ? CopyBytes(source, blob.size, data) : kBadStream;
 }
 
-BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr) {
+BlobSizes MeasureBlobsInPng(ByteSource& source, const RecordToWrite& record) {
   BlobSizes sizes;
-  KeptNames names(attr);
+  KeptNames names(record);
   PngHead head;
   if (!source.Read(head.bytes)) return sizes;
   ChunkHeader chunk;
@@ -164,5 +167,6 @@ int32_t GetApplicationExtensionDataFromPng(FILE* stream, uint8_t* data, uint32_t
   }
   ByteSource source(stream);
   OutputBuffer room(data, UINT32_MAX);  // The caller promises that data holds the blob.
-  return CopyBlobFromPng(source, {label, fileName}, room, dataLength);
+  const Status s = CopyBlobFromPng(source, {label, fileName}, &room, dataLength);
+  return s == kNoBlob ? kOk : s;
 }

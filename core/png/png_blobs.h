@@ -12,10 +12,10 @@
 
 namespace lumigram {
 
-// As GetApplicationExtensionDataFromPng(), from any source, into an empty buffer. Returns
-// kNoRoom, with nothing copied, for a blob that does not fit: the picture may have grown since
-// the buffer was made.
-Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer& data,
+// As GetApplicationExtensionDataFromPng(), from any source, into an empty buffer. With data null,
+// only stores the length. Returns kNoBlob if there is no such blob; kNoRoom, with nothing copied, for
+// a blob that does not fit: the picture may have grown since the buffer was made.
+Status CopyBlobFromPng(ByteSource& source, const WantedBlob& wanted, OutputBuffer* data,
                        uint32_t* dataLength);
 
 // Appends the data of a blob that a survey has found. Returns kOk; kBadStream; kMalformed if the
@@ -25,7 +25,7 @@ Status CopyFoundBlobFromPng(ByteSource& source, const FoundBlob& blob, OutputBuf
 // As GetSizeApplicationExtensionFromPng(), for all blobs and for each that the record keeps, in one
 // walk. If the walk fails, the result is the count up to there. The source must be measured; it is
 // not put back.
-BlobSizes MeasureBlobsInPng(ByteSource& source, const AttrInfo& attr);
+BlobSizes MeasureBlobsInPng(ByteSource& source, const RecordToWrite& record);
 
 }  // namespace lumigram
 

@@ -1,6 +1,5 @@
 // Builds the chunks that carry a new document and new blobs.
-#include "core/base/path.h"
-#include "core/document/blob_entries.h"
+#include "core/document/new_blob.h"
 #include "core/png/crc32.h"
 #include "core/png/png_format.h"
 #include "core/png/png_writer.h"
@@ -21,13 +20,10 @@ Status PutDocument(const XmlStringInfo& doc, OutputBuffer& out) {
   return SetChunkCrc(length, out);
 }
 
-// The blob's file is read directly into the output.
-Status PutBlob(const AppExtEntry& entry, OutputBuffer& out) {
-  char path[sizeof(entry.binaryDataUri)];
-  CopyText(path, TextOf(entry.binaryDataUri));
-  const ScopedFile file(OpenForReading(path));
-  if (file == nullptr) return kBadBlob;
-  ByteSource source(file.get());
+// The blob's bytes are read directly into the output.
+Status PutBlob(const AppExtEntry& entry, const NewBlob& blob, OutputBuffer& out) {
+  if (!blob.IsThere()) return kBadBlob;
+  ByteSource source = blob.Source();
   if (!source.Measure()) return kBadBlob;
 
   const uint32_t size = static_cast<uint32_t>(source.Remaining());
@@ -52,12 +48,13 @@ Status SetChunkCrc(uint32_t dataLength, OutputBuffer& out) {
   return out.PutBe32(Crc32(out.Last(kChunkTypeSize + dataLength))) ? kOk : kNoRoom;
 }
 
-Status SetMetadataChunksToPng(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out) {
+Status SetMetadataChunksToPng(const XmlStringInfo& doc, const RecordToWrite& record,
+                              OutputBuffer& out) {
   if (doc.length > kMaxNewDocument) return kTooLong;
   if (Status s = PutDocument(doc, out); s != kOk) return s;
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (!IsNew(entry)) continue;
-    if (Status s = PutBlob(entry, out); s != kOk) return s;
+  for (size_t i = 0; i < std::size(record.attr.appExt); ++i) {
+    if (!record.IsNew(i)) continue;
+    if (Status s = PutBlob(record.attr.appExt[i], NewBlob(record, i), out); s != kOk) return s;
   }
   return kOk;
 }

@@ -53,7 +53,7 @@ void SurveyBlob(ByteSource& source, const ChunkHeader& chunk, Survey* survey,
 Status SurveyPng(ByteSource& source, Survey* survey, const BlobVisitor& visit) {
   PngHead head;
   if (!source.Measure()) return kBadStream;
-  if (!source.Read(head.bytes)) return kMalformed;
+  if (!source.Read(head.bytes) || !head.HasSignature()) return kMalformed;
   bool imageFound = false;
   ChunkHeader chunk;
   do {

@@ -16,7 +16,7 @@ constexpr uint32_t kMaxStoredName = 65537;
 struct Copy {
   ByteSource& source;
   const XmlStringInfo& doc;
-  const AttrInfo& attr;
+  const RecordToWrite& record;
   OutputBuffer& out;
   const KeptNames kept;
   bool documentDue;
@@ -72,7 +72,7 @@ Status IsKeptBlob(ByteSource& source, const KeptNames& names, bool* kept) {
 Status PutMetadata(Copy& copy) {
   if (!copy.documentDue) return kOk;
   copy.documentDue = false;
-  return SetMetadataChunksToPng(copy.doc, copy.attr, copy.out);
+  return SetMetadataChunksToPng(copy.doc, copy.record, copy.out);
 }
 
 // Copies or skips the whole chunk.
@@ -113,9 +113,9 @@ Status CopyPicture(Copy& copy) {
 
 }  // namespace
 
-Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo& doc, const RecordToWrite& record,
                          OutputBuffer& out) {
-  Copy copy{source, doc, attr, out, KeptNames(attr), doc.length > 0};
+  Copy copy{source, doc, record, out, KeptNames(record), doc.length > 0};
   return CopyPicture(copy);
 }
 

@@ -7,6 +7,7 @@
 #include "core/base/byte_source.h"
 #include "core/base/output_buffer.h"
 #include "core/base/status.h"
+#include "core/document/blob_entries.h"
 #include "lumigram.h"
 
 namespace lumigram {
@@ -16,11 +17,12 @@ namespace lumigram {
 // document and no new blob are written. Returns kOk; kMalformed for a wrong signature or a
 // truncated picture; kTooLong for a document over 10,234 bytes; kBadStream for a chunk that runs
 // past the end of the file; kBadBlob; kNoRoom. After a failure out holds a part of the picture.
-Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo& doc, const AttrInfo& attr,
+Status SetXmlStringToPng(ByteSource& source, const XmlStringInfo& doc, const RecordToWrite& record,
                          OutputBuffer& out);
 
 // Appends the document chunk, and then one chunk for each new blob.
-Status SetMetadataChunksToPng(const XmlStringInfo& doc, const AttrInfo& attr, OutputBuffer& out);
+Status SetMetadataChunksToPng(const XmlStringInfo& doc, const RecordToWrite& record,
+                              OutputBuffer& out);
 
 // Appends the CRC of a chunk whose type and dataLength bytes of data are the last bytes of out.
 Status SetChunkCrc(uint32_t dataLength, OutputBuffer& out);

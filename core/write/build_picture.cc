@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "core/base/path.h"
-#include "core/document/blob_entries.h"
+#include "core/document/new_blob.h"
 #include "core/file/blobs.h"
 #include "core/gif/gif_writer.h"
 #include "core/jpeg/jpeg_writer.h"
@@ -33,32 +32,29 @@ struct Sizes {
   uint64_t bound;
 };
 
-Status AddNewBlob(const AppExtEntry& entry, Sizes* sizes) {
-  char path[sizeof(entry.binaryDataUri)];
-  CopyText(path, TextOf(entry.binaryDataUri));
-  const ScopedFile file(OpenForReading(path));
-  const int32_t size = GetFileLength(file.get());
+Status AddNewBlob(const RecordToWrite& record, size_t entry, Sizes* sizes) {
+  const int32_t size = NewBlob(record, entry).Size();
   if (size <= 0) return kBadBlob;
-  const size_t nameSize = TextOf(entry.fileName).size();
+  const size_t nameSize = TextOf(record.attr.appExt[entry].fileName).size();
   sizes->estimate += int64_t{size} + 17 + size / 255 + static_cast<int64_t>(nameSize);
   sizes->bound += InSubBlocks(static_cast<uint64_t>(size)) + kBlobOverhead + nameSize;
   return kOk;
 }
 
 // A walk that fails stops counting; the writer finds the same fault.
-Status AddBlobs(ByteSource& source, const BlobFunctions& functions, const AttrInfo& attr,
+Status AddBlobs(ByteSource& source, const BlobFunctions& functions, const RecordToWrite& record,
                 Sizes* sizes) {
-  const BlobSizes blobs = functions.measure(source, attr);
+  const BlobSizes blobs = functions.measure(source, record);
   sizes->estimate += static_cast<int64_t>(blobs.kept) - static_cast<int64_t>(blobs.all);
-  for (const AppExtEntry& entry : attr.appExt) {
-    if (!IsNew(entry)) continue;
-    if (Status s = AddNewBlob(entry, sizes); s != kOk) return s;
+  for (size_t i = 0; i < std::size(record.attr.appExt); ++i) {
+    if (!record.IsNew(i)) continue;
+    if (Status s = AddNewBlob(record, i, sizes); s != kOk) return s;
   }
   return kOk;
 }
 
 Status MeasurePicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                      const AttrInfo& attr, Sizes* sizes) {
+                      const RecordToWrite& record, Sizes* sizes) {
   if (!source.Measure() || !source.Back(source.Position()) || source.Remaining() == 0)
     return kBadStream;
   const uint64_t length = source.Remaining();
@@ -66,7 +62,7 @@ Status MeasurePicture(ByteSource& source, Kind kind, const XmlStringInfo& docume
   sizes->estimate = static_cast<int64_t>(length);
   sizes->bound = length + InSubBlocks(documentSize) + kDocumentOverhead;
   if (const BlobFunctions* const functions = BlobFunctionsOf(kind); functions != nullptr) {
-    if (Status s = AddBlobs(source, *functions, attr, sizes); s != kOk) return s;
+    if (Status s = AddBlobs(source, *functions, record, sizes); s != kOk) return s;
   }
   // In 32 bits the estimate wraps when a source claims more blobs than it holds, or when new
   // blobs exceed 4 GiB. If it is then within the limit, the writer finds the fault and returns
@@ -74,13 +70,13 @@ Status MeasurePicture(ByteSource& source, Kind kind, const XmlStringInfo& docume
   return static_cast<uint32_t>(sizes->estimate) > kMaxEstimate ? kNoRoom : kOk;
 }
 
-Status RunWriter(ByteSource& source, Kind kind, const XmlStringInfo& document, const AttrInfo& attr,
-                 OutputBuffer& out) {
+Status RunWriter(ByteSource& source, Kind kind, const XmlStringInfo& document,
+                 const RecordToWrite& record, OutputBuffer& out) {
   switch (kind) {
     case Kind::kGif:
-      return SetXmlStringToGif(source, document, attr, out);
+      return SetXmlStringToGif(source, document, record, out);
     case Kind::kPng:
-      return SetXmlStringToPng(source, document, attr, out);
+      return SetXmlStringToPng(source, document, record, out);
     case Kind::kJpeg:
       return SetXmlStringToJpg(source, document, out);
   }
@@ -89,32 +85,32 @@ Status RunWriter(ByteSource& source, Kind kind, const XmlStringInfo& document, c
 
 // The source must be measured.
 Status FillPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                   const AttrInfo& attr, OutputBuffer& picture) {
+                   const RecordToWrite& record, OutputBuffer& picture) {
   if (!source.Back(source.Position())) return kBadStream;
-  if (Status s = RunWriter(source, kind, document, attr, picture); s != kOk) return s;
+  if (Status s = RunWriter(source, kind, document, record, picture); s != kOk) return s;
   return picture.Size() > kLumigramMaxPictureBytes ? kPictureTooLarge : kOk;
 }
 
 }  // namespace
 
 Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                    const AttrInfo& attr, NewPicture* picture) {
+                    const RecordToWrite& record, NewPicture* picture) {
   Sizes sizes;
-  if (Status s = MeasurePicture(source, kind, document, attr, &sizes); s != kOk) return s;
+  if (Status s = MeasurePicture(source, kind, document, record, &sizes); s != kOk) return s;
   const uint32_t capacity = static_cast<uint32_t>(std::min(sizes.bound, kMaxCapacity));
   picture->bytes.reset(static_cast<uint8_t*>(malloc(capacity)));
   if (picture->bytes == nullptr) return kNoRoom;
   OutputBuffer room(picture->bytes.get(), capacity);
-  const Status status = FillPicture(source, kind, document, attr, room);
+  const Status status = FillPicture(source, kind, document, record, room);
   picture->length = status == kOk ? room.Size() : 0;
   return status;
 }
 
 Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                    const AttrInfo& attr, OutputBuffer& picture) {
+                    const RecordToWrite& record, OutputBuffer& picture) {
   Sizes sizes;
-  if (Status s = MeasurePicture(source, kind, document, attr, &sizes); s != kOk) return s;
-  return FillPicture(source, kind, document, attr, picture);
+  if (Status s = MeasurePicture(source, kind, document, record, &sizes); s != kOk) return s;
+  return FillPicture(source, kind, document, record, picture);
 }
 
 }  // namespace lumigram

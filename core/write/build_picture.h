@@ -9,6 +9,7 @@
 #include "core/base/output_buffer.h"
 #include "core/base/scoped.h"
 #include "core/base/status.h"
+#include "core/document/blob_entries.h"
 
 namespace lumigram {
 
@@ -21,11 +22,11 @@ struct NewPicture {
 // blobs. With a document of length 0, the new picture has no document and no new blobs; it has the
 // blobs that the record keeps. The source is not put back.
 Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                    const AttrInfo& attr, NewPicture* picture);
+                    const RecordToWrite& record, NewPicture* picture);
 
 // The same, into an empty buffer of the caller. Returns kNoRoom for a picture that does not fit.
 Status BuildPicture(ByteSource& source, Kind kind, const XmlStringInfo& document,
-                    const AttrInfo& attr, OutputBuffer& picture);
+                    const RecordToWrite& record, OutputBuffer& picture);
 
 }  // namespace lumigram
 
