@@ -96,7 +96,7 @@ class Folder {
   unsigned char TypeOf(std::string_view name) const {
     struct stat status;
     if (lstat((path_ + std::string(name)).c_str(), &status) != 0) return DT_UNKNOWN;
-    return IFTODT(status.st_mode);
+    return static_cast<unsigned char>(IFTODT(status.st_mode));
   }
 
   std::string path_;
