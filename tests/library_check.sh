@@ -10,10 +10,17 @@ dynamic=$(readelf -dW "$library") segments=$(readelf -lW "$library") symbols=$(r
 
 same "needs only libc" "libc" "$(sed -nE 's/.*\(NEEDED\).*\[(.*)\.so(\.6)?\]/\1/p' <<<"$dynamic")"
 
+# The library runs with each glibc since the one that first had the machine or, on ARM, functions for 64-bit file positions.
+case $(readelf -h "$library") in *"Machine: "*" ARM"*) oldest=2.28 ;; *) oldest=2.17 ;; esac
+newer=$(sed -nE 's/.* UND ([^ ]+)@GLIBC_([0-9.]+).*/\2 \1/p' <<<"$symbols" | while read -r version name; do
+  printf '%s\n' "$version" "$oldest" | sort -CV || echo "$name $version"
+done)
+same "needs no symbol above GLIBC_$oldest" "" "$newer"
+
 # The GNU C library has other names for functions with 64-bit file positions and with checks of sizes; Clang uses bcmp, and ARM
-# has names for a few memory functions. __fwritable is replaced by other code in a build for Android.
+# has names for a few memory functions. A build for Android has other code in place of __fwritable and syscall.
 used=$(awk '$5 == "GLOBAL" && $7 == "UND" { print $8 }' <<<"$symbols" |
-  sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d; /^__fwritable$/d')
+  sed -E 's/@.*//; s/64$//; s/^__errno_location$/__errno/; s/^bcmp$/memcmp/; s/^__(.*)_chk$/\1/; /^__aeabi_mem/d; /^(__fwritable|syscall)$/d')
 same "uses only what Android has had since level 21" "" "$(grep -vxFf "$root/cmake/android-libc.txt" <<<"$used")"
 
 # The exports are exactly the functions of the header and the native methods of the Java classes.
