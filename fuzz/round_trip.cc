@@ -51,9 +51,8 @@ void CheckRecord(const Bytes& picture, FileType type, const AttrInfo& wanted) {
   const ScopedFile stream = Stream(picture);
   Require(GetPictureRecord(stream.get(), type, attr.get(), &summary) == 0, "the record is read");
   attr->labelCount = attr->nameCount = attr->noteCount = attr->partCount = 0;
-  // Exception: if the first content is empty, a batch read delivers no contents, and it is counted.
-  if (wanted.tag[0].tagName[0] != '\0' && wanted.tag[0].tagElement[0] == '\0')
-    summary.droppedTags -= 1;
+  // Exception: if the first content is empty, a batch read delivers none.
+  summary.hiddenContents = 0;
   summary.invalidTexts = 0;
   PictureSummary nothingLost = {};
   nothingLost.fileType = type;

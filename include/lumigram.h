@@ -271,10 +271,12 @@ typedef struct PictureSummary {
   /* Tags over a limit, or with a name that is not closed. A batch read delivers no tag then. In the
    * record if name and content fit their fields. */
   int32_t refusedTags;
-  /* Tags with an eleventh name, with an empty name, beyond ten of a name or beyond 100. A first tag
-   * without content counts, too: a batch read then delivers no content. In the record are up to 100
-   * whose name is not empty. */
+  /* Tags with an eleventh name, with an empty name, beyond ten of a name or beyond 100. In the
+   * record are up to 100 whose name is not empty. */
   int32_t droppedTags;
+  /* 1 when the first tag is within the limits and has no content: a batch read then delivers the
+   * names of the tags and none of the contents. In the record, like every other tag. */
+  int32_t hiddenContents;
   /* A category or type over 256 bytes, or a second one. Not in the record. */
   int32_t refusedTexts;
   /* Texts, other than white space, between the elements or after the root. Not in the record. */

@@ -58,9 +58,10 @@ auto TrySpellings(const char* path, Call call) {
 
 }  // namespace
 
-int OpenDescriptorForReading(const char* path) {
-  return TrySpellings(path,
-                      [](const char* spelling) { return open(spelling, O_RDONLY | O_CLOEXEC); });
+int OpenDescriptorForReading(const char* path, int furtherFlags) {
+  return TrySpellings(path, [furtherFlags](const char* spelling) {
+    return open(spelling, O_RDONLY | O_CLOEXEC | furtherFlags);
+  });
 }
 
 FILE* OpenForReading(const char* path) {

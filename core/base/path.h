@@ -13,7 +13,7 @@ namespace lumigram {
 // spelling is tried. Returns null or -1, with errno set, when neither can be opened. The caller
 // closes the stream or the descriptor.
 FILE* OpenForReading(const char* path);
-int OpenDescriptorForReading(const char* path);
+int OpenDescriptorForReading(const char* path, int furtherFlags = 0);
 
 // Returns the spelling to write to: the path if it names an existing file or holds no pairs, else
 // its UTF-8 spelling, which *storage owns. Null when there is no memory for it.

@@ -33,6 +33,7 @@ enum [[nodiscard]] Status : int32_t {
   kNoRoom            = kLumigramBadArgument,   // no memory, or an output that is full
   kBadBlob           = kLumigramBadArgument,   // an unreadable blob file, or wrong stored sizes
   kBadField          = kLumigramBadArgument,   // a Java field, array or text that cannot be read
+  kNotReady          = kLumigramBadArgument,   // not a regular file of 1 byte to 2 MiB
   kCannotWrite       = kLumigramBadArgument,   // the picture cannot be replaced
 };
 // clang-format on

@@ -105,9 +105,9 @@ class RecordFiller {
     const bool isRefused = name.size() > kLumigramMaxTextBytes || IsTooWide(name) ||
                            content.size() > kLumigramMaxContentBytes;
     // Java checks element 0 to see whether there are tags.
-    const bool hidesOthers = tagsFound_ == 1 && content.empty();
+    if (tagsFound_ == 1 && !isRefused && content.empty()) summary_.hiddenContents = 1;
     if (isRefused) ++summary_.refusedTags;
-    if (!isRefused && (!isDelivered || name.empty() || hidesOthers)) ++summary_.droppedTags;
+    if (!isRefused && (!isDelivered || name.empty())) ++summary_.droppedTags;
     if (!isHeld || name.empty()) {
       if (tags_ < kLumigramMaxTags) attr_.tag[tags_] = {};
       return;

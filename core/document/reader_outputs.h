@@ -4,6 +4,7 @@
 
 #include <stdint.h>
 
+#include "core/base/fingerprint.h"
 #include "lumigram.h"
 
 namespace lumigram {
@@ -15,6 +16,8 @@ struct ReaderOutputs {
   int32_t* height;
   int32_t* width;
   int32_t* pop;  // only GIF pictures have one; null for the others
+  // Takes the blobs while the reader passes them. Null: nobody wants it.
+  Fingerprint* fingerprint = nullptr;
 };
 
 // Whether width and height are within the limit for reading.

@@ -44,6 +44,10 @@ Status ExtractDocument(ByteSource& source, Kind kind, const ReaderOutputs& out) 
   const Readers* const readers = ReadersOf(kind);
   if (readers == nullptr) return kBadArgument;
   if (Status s = readers->readDocument(source, out); s != kOk) return s;
+  if (out.fingerprint != nullptr) {
+    out.fingerprint->Add(out.document);
+    out.fingerprint->EndPart();
+  }
   return out.document[0] == '\0' ? kNoDocument : kOk;
 }
 

@@ -1,5 +1,6 @@
 #include "core/file/picture_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,6 +37,19 @@ Status PictureFile::Open(const char* path) {
   stream_.reset(fdopen(descriptor, "rb"));
   if (stream_ == nullptr) (void)close(descriptor);
   return stream_ == nullptr ? kCannotOpen : kOk;
+}
+
+// Without O_NONBLOCK, opening a pipe waits for its writer. It has no effect on regular files.
+Status PictureFile::OpenReady(const char* path) {
+  if (GetFileType(path, &type_) != kOk) return kUnsupported;
+  const int descriptor = OpenDescriptorForReading(path, O_NONBLOCK | O_NOCTTY);
+  if (descriptor < 0) return kCannotOpen;
+  if (IsReadyToRead(descriptor, &size_)) {
+    descriptor_ = descriptor;
+    return kOk;
+  }
+  (void)close(descriptor);
+  return kNotReady;
 }
 
 Status PictureFile::GetSize(int32_t* size) const {

@@ -24,6 +24,8 @@ class PictureFile {
 
   // As OpenFile() for reading. To be called once.
   Status Open(const char* path);
+  // The same, but never waits: kNotReady for anything but a regular file of 1 byte to 2 MiB.
+  Status OpenReady(const char* path);
   // As CommonGetFileSize().
   Status GetSize(int32_t* size) const;
   // As GetXmlString().

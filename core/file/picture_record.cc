@@ -52,15 +52,16 @@ void FillFromBuffer(const char (&buffer)[kLumigramDocumentBufferBytes], AttrInfo
 
 }  // namespace
 
-Status ReadPictureRecord(ByteSource& source, Kind kind, AttrInfo* attr, PictureSummary* summary) {
+Status ReadPictureRecord(ByteSource& source, Kind kind, AttrInfo* attr, PictureSummary* summary,
+                         Fingerprint* fingerprint) {
   char document[kLumigramDocumentBufferBytes] = {};
   memset(attr, 0, sizeof *attr);
   memset(summary, 0, sizeof *summary);
   summary->fileType = static_cast<FileType>(kind);
   if (!source.Measure() || !source.Back(source.Position())) return kBadStream;
   summary->size = static_cast<int32_t>(source.Remaining());
-  const Status status =
-      ExtractDocument(source, kind, {document, &summary->height, &summary->width, &summary->pop});
+  const Status status = ExtractDocument(
+      source, kind, {document, &summary->height, &summary->width, &summary->pop, fingerprint});
   if (status != kOk && status != kNoDocument) return status;
   if (status == kOk) {
     summary->hasDocument = 1;
@@ -80,7 +81,7 @@ int32_t GetPictureRecord(FILE* stream, FileType type, AttrInfo* attr, PictureSum
   int32_t size = 0;
   if (!IsPictureSized(stream, &size)) return kBadArgument;
   ByteSource source(stream);
-  return ReadPictureRecord(source, *kind, attr, summary);
+  return ReadPictureRecord(source, *kind, attr, summary, nullptr);
 }
 
 int32_t GetPictureRecordFromBytes(const uint8_t* bytes, size_t size, FileType type, AttrInfo* attr,
@@ -89,5 +90,5 @@ int32_t GetPictureRecordFromBytes(const uint8_t* bytes, size_t size, FileType ty
   const std::optional<Kind> kind = KindOf(type);
   if (!kind) return kBadArgument;
   ByteSource source({bytes, size});
-  return ReadPictureRecord(source, *kind, attr, summary);
+  return ReadPictureRecord(source, *kind, attr, summary, nullptr);
 }

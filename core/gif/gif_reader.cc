@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "core/base/output_buffer.h"
+#include "core/document/blob_entries.h"
 #include "core/document/document_format.h"
 #include "core/gif/gif_format.h"
 
@@ -47,6 +48,7 @@ class DocumentReader {
 
  private:
   Status ReadScreen(ByteSource& source, GifScreen* screen) const;
+  Status PassApplication(ByteSource& source, uint8_t size);
   Status TakeSubBlock(std::string_view text);
 
   const ReaderOutputs out_;
@@ -87,14 +89,30 @@ Status DocumentReader::OnImage(const GifImage& image) const {
 Status DocumentReader::OnApplication(ByteSource& source) {
   uint8_t size;
   if (!source.ReadByte(&size)) return kMalformed;
-  if (*out_.pop != 1) return SkipChain(source, size);
+  if (*out_.pop != 1) return PassApplication(source, size);
   uint8_t identifier[kPopMarker.size()];
   if (!source.Read(identifier)) return kMalformed;
   if (!BeginsWith(identifier, kPopMarker))
-    return source.Back(sizeof(identifier)) ? SkipChain(source, size) : kBadStream;
+    return source.Back(sizeof(identifier)) ? PassApplication(source, size) : kBadStream;
   if (!source.ReadByte(&size)) return kMalformed;
   if (size != 0) markerFound_ = true;
   return SkipChain(source, size);
+}
+
+// Passes an extension after the size byte of its identifier. Of a blob, identifier, name and data are
+// a part each of the fingerprint: how the data are cut into sub-blocks does not matter.
+Status DocumentReader::PassApplication(ByteSource& source, uint8_t size) {
+  if (out_.fingerprint == nullptr) return SkipChain(source, size);
+  GifSubBlock block = {size, {}};
+  if (!source.Read({block.bytes, size})) return kMalformed;
+  if (size == 0 || !BeginsWith(block.Data(), kBlobMark)) return size == 0 ? kOk : SkipChain(source);
+  for (int passed = 0; block.size != 0; ++passed) {
+    out_.fingerprint->Add(block.Data());
+    if (passed < 2) out_.fingerprint->EndPart();
+    if (!ReadSubBlock(source, &block)) return kMalformed;
+  }
+  out_.fingerprint->EndPart();
+  return kOk;
 }
 
 Status DocumentReader::OnComment(ByteSource& source) {

@@ -1,6 +1,8 @@
 // Reads a PNG picture's document and dimensions.
 #include <string.h>
 
+#include <algorithm>
+
 #include "core/base/status.h"
 #include "core/document/document_format.h"
 #include "core/png/png_format.h"
@@ -32,14 +34,30 @@ Status ReadTextChunk(ByteSource& source, const ChunkHeader& chunk, char* xmlBuf,
   return source.Skip(uint64_t{textSize} + kChunkCrcSize) ? kOk : kBadStream;
 }
 
-Status ReadChunks(ByteSource& source, char* xmlBuf) {
+// Passes a chunk, all of whose data are one part of the fingerprint.
+bool PassBlob(ByteSource& source, const ChunkHeader& chunk, Fingerprint* fingerprint) {
+  const uint64_t end = source.Position() + std::min<uint64_t>(chunk.length, source.Remaining());
+  while (source.Position() < end) {
+    uint8_t room[512];
+    const std::span<uint8_t> piece(
+        room, static_cast<size_t>(std::min<uint64_t>(sizeof(room), end - source.Position())));
+    if (!source.Read(piece)) return false;
+    fingerprint->Add({reinterpret_cast<const char*>(room), piece.size()});
+  }
+  fingerprint->EndPart();
+  return source.Skip(kChunkCrcSize);
+}
+
+Status ReadChunks(ByteSource& source, const ReaderOutputs& out) {
   bool taken = false;
   for (;;) {
     ChunkHeader chunk;
     if (!ReadChunkHeader(source, &chunk)) return kMalformed;
     if (chunk.type == kEndChunk) return kOk;
     if (chunk.type == kTextChunk) {
-      if (Status s = ReadTextChunk(source, chunk, xmlBuf, &taken); s != kOk) return s;
+      if (Status s = ReadTextChunk(source, chunk, out.document, &taken); s != kOk) return s;
+    } else if (chunk.type == kBlobChunk && out.fingerprint != nullptr) {
+      if (!PassBlob(source, chunk, out.fingerprint)) return kMalformed;
     } else if (!SkipChunkData(source, chunk)) {
       return kMalformed;
     }
@@ -55,7 +73,7 @@ Status ReadPngDocument(ByteSource& source, const ReaderOutputs& out) {
   *out.width = static_cast<int32_t>(head.Width());
   *out.height = static_cast<int32_t>(head.Height());
   if (!IsEmojiSized(head)) return kDimensions;
-  return ReadChunks(source, out.document);
+  return ReadChunks(source, out);
 }
 
 }  // namespace lumigram
