@@ -14,28 +14,31 @@ struct Blob {
   uint32_t length = 0;
 };
 
-// A blob has fewer bytes than its picture, so the size of the picture is enough. The status of a
-// failure is not reported to Java.
-bool CopyBlob(const PictureFile& picture, const WantedBlob& wanted, Blob* blob) {
+// A blob has fewer bytes than its picture, so the size of the picture is enough.
+Status CopyBlob(const PictureFile& picture, const WantedBlob& wanted, Blob* blob) {
   const BlobFunctions* const functions = BlobFunctionsOf(picture.GetKind());
+  if (functions == nullptr) return kNoBlob;
   int32_t size = 0;
-  if (functions == nullptr || picture.GetSize(&size) != kOk) return false;
+  if (Status s = picture.GetSize(&size); s != kOk) return s;
   blob->bytes.reset(static_cast<uint8_t*>(malloc(static_cast<size_t>(size) + 1)));
-  if (blob->bytes == nullptr) return false;
+  if (blob->bytes == nullptr) return kNoRoom;
   ByteSource source = picture.Source();
   OutputBuffer data(blob->bytes.get(), static_cast<uint32_t>(size));
-  return functions->copy(source, wanted, &data, &blob->length) == kOk;
+  return functions->copy(source, wanted, &data, &blob->length);
 }
 
-bool ReadBlob(JNIEnv* env, jstring path, jstring labelName, jstring fileName, Blob* blob) {
+// Returns kNoBlob also for a picture of a kind that carries none.
+Status ReadBlob(JNIEnv* env, jstring path, Status (PictureFile::*open)(const char* path),
+                jstring labelName, jstring fileName, Blob* blob) {
   PictureFile picture;
   {
     const JavaText text(env, path);
-    if (text.Get() == nullptr || picture.Open(text.Get()) != kOk) return false;
+    if (text.Get() == nullptr) return kNullArgument;
+    if (Status s = (picture.*open)(text.Get()); s != kOk) return s;
   }
   const JavaText label(env, labelName);
   const JavaText name(env, fileName);
-  if (label.Get() == nullptr || name.Get() == nullptr) return false;
+  if (label.Get() == nullptr || name.Get() == nullptr) return kNullArgument;
   return CopyBlob(picture, {label.Get(), name.Get()}, blob);
 }
 
@@ -58,6 +61,21 @@ jbyteArray Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(JNI
                                                                              jstring labelName,
                                                                              jstring fileName) {
   Blob blob;
-  if (!ReadBlob(env, path, labelName, fileName, &blob) || blob.length == 0) return nullptr;
-  return NewArrayOf(env, blob);
+  const Status status = ReadBlob(env, path, &PictureFile::Open, labelName, fileName, &blob);
+  return status != kOk || blob.length == 0 ? nullptr : NewArrayOf(env, blob);
+}
+
+jbyteArray Java_lumigram_jni_LumigramFiles_readBlob(JNIEnv* env, jclass, jstring path,
+                                                    jstring labelName, jstring fileName,
+                                                    jintArray status) {
+  Blob blob;
+  jint code = ReadBlob(env, path, &PictureFile::OpenReady, labelName, fileName, &blob);
+  jbyteArray bytes = nullptr;
+  if (code == kOk) {
+    bytes = NewArrayOf(env, blob);
+    if (bytes == nullptr) code = kNoRoom;
+  }
+  if (status != nullptr) env->SetIntArrayRegion(status, 0, 1, &code);
+  ClearException(env);
+  return bytes;
 }

@@ -38,6 +38,28 @@ JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramJni_getLumigramTagInfo(JNIEnv* 
 JNIEXPORT jbyteArray JNICALL Java_lumigram_jni_LumigramJni_getLumigramApplicationExtensionInfo(
     JNIEnv* env, jclass, jstring path, jstring labelName, jstring fileName);
 
+// The native methods of LumigramFiles, which never wait for a picture to be written. Their Java
+// declarations have the contracts.
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_readPictures(JNIEnv* env, jclass,
+                                                                    jobjectArray paths,
+                                                                    jobjectArray attrs,
+                                                                    jlongArray fingerprints,
+                                                                    jbyteArray results);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_writePicture(JNIEnv* env, jclass,
+                                                                    jstring path, jobject attr,
+                                                                    jlongArray expected,
+                                                                    jboolean replacesUnread,
+                                                                    jlongArray details);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_lookUpTag(JNIEnv* env, jclass, jstring path,
+                                                                 jstring tagName,
+                                                                 jobjectArray results);
+JNIEXPORT jbyteArray JNICALL Java_lumigram_jni_LumigramFiles_readBlob(
+    JNIEnv* env, jclass, jstring path, jstring labelName, jstring fileName, jintArray status);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_findObstacle(JNIEnv* env, jclass,
+                                                                    jstring path,
+                                                                    jboolean isWriting, jint error,
+                                                                    jobjectArray words);
+
 // Returns the version of the library, or null with a pending exception when there is no memory.
 JNIEXPORT jstring JNICALL Java_lumigram_jni_LibraryLoader_libraryVersion(JNIEnv* env, jclass);
 

@@ -1,5 +1,8 @@
 // The native methods: the batch read, the lookup of a tag group and of a blob, and the write.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 #include "jni/java_text.h"
 #include "jni/native_methods.h"
@@ -110,9 +113,14 @@ class JniRead : public JniPicture {
       objects_->elements.push_back(vm_.Object(before));
     }
     paths_->elements.push_back(paths_->elements[0]);
-    return Java_lumigram_jni_LumigramJni_getLumigramAttrInfo(
-        vm_.Env(), nullptr, vm_.Argument<jobjectArray>(paths_),
-        vm_.Argument<jobjectArray>(objects_), vm_.Argument<jbyteArray>(codes_));
+    const auto paths = vm_.Argument<jobjectArray>(paths_);
+    const auto objects = vm_.Argument<jobjectArray>(objects_);
+    const auto codes = vm_.Argument<jbyteArray>(codes_);
+    if (fingerprints_ == nullptr)
+      return Java_lumigram_jni_LumigramJni_getLumigramAttrInfo(vm_.Env(), nullptr, paths, objects,
+                                                               codes);
+    return Java_lumigram_jni_LumigramFiles_readPictures(
+        vm_.Env(), nullptr, paths, objects, vm_.Argument<jlongArray>(fingerprints_), codes);
   }
 
   void Check(const std::vector<Row>& rows) {
@@ -128,6 +136,7 @@ class JniRead : public JniPicture {
   }
 
   JavaObject *paths_ = vm_.Make(), *objects_ = vm_.Make(), *codes_ = vm_.Make();
+  JavaObject* fingerprints_ = nullptr;  // null: the method that waits
 };
 
 TEST_F(JniRead, ReadsABatch) {
@@ -214,6 +223,33 @@ TEST_F(JniRead, AFailureOfTheMachineStaysWithItsFile) {
     EXPECT_TRUE((std::set<int>{0, -20, -30, -99}.contains(codes_->bytes[0]))) << nth;
     EXPECT_EQ(vm_.Holds(objects_->elements[0], kFull), codes_->bytes[0] == 0) << nth;
   }
+}
+
+// A batch that never waits: everything but a good picture is answered at once.
+TEST_F(JniRead, ReadsFilesAtOnce) {
+  const std::string fifo = folder_.Path("fifo.png");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  mkdir(folder_.Path("folder.png").c_str(), 0700);
+  const Bytes hidden = Png(Tag("a", "") + Tag("b", "2"));
+  const Values hiddenValues = {
+      {"mTags", "Sa,b"}, {"mTagsName", "Aa|b|*98"}, {"mTagsElement", "A|2|*98|old"}};
+  folder_.Write("empty.png", {});
+  const Bytes large = kFullPng + Bytes(2097153 - kFullPng.size());
+  onPause = [] { ADD_FAILURE() << "waits"; };
+  fingerprints_ = vm_.Make({.longs = std::vector<jlong>(15, -1)});
+  Check({{"full.png", kFullPng, kOld, 0, kFull},
+         {"hidden.png", hidden, kOld, 0, hiddenValues},
+         {"empty.png", {}, kOld, -99, {}},
+         {"large.png", large, kOld, -99, {}},
+         {"fifo.png", {}, kOld, -99, {}},
+         {"folder.png", {}, kOld, -99, {}},
+         {"full2.png", kFullPng, kOld, 0, kFull},
+         {"short.png", kFullPng, kOld, -99, Sizes(kFullPng, 16, 32)}});
+  onPause = nullptr;
+  const std::vector<jlong>& numbers = fingerprints_->longs;
+  EXPECT_NE(numbers[0], numbers[2]) << "another document";
+  EXPECT_TRUE(std::equal(&numbers[0], &numbers[2], &numbers[12])) << "the same picture";
+  EXPECT_EQ(numbers[14], -1) << "there is no room for both numbers";
 }
 
 TEST(JavaText, AnyBytesBecomeModifiedUtf8) {
@@ -374,5 +410,116 @@ TEST_F(JniWrite, AFailureOfTheMachineLeavesThePictureAlone) {
     EXPECT_EQ(ReadWhole(path_) == old_, !failed.empty());
   });
 }
+
+using Details = std::vector<jlong>;
+
+class JniRewrite : public JniWrite {
+ protected:
+  JniRewrite() { folder_.Write("a.png", seen_); }
+
+  int Rewrite(const std::string& path, const Details* expected, bool replacesUnread,
+              size_t room = 11) {
+    details_->longs.assign(room, -1);
+    JavaObject* seen = expected == nullptr ? nullptr : vm_.Make({.longs = *expected});
+    return Java_lumigram_jni_LumigramFiles_writePicture(
+        vm_.Env(), nullptr, Text(path), vm_.Argument<jobject>(vm_.Object(object_)),
+        vm_.Argument<jlongArray>(seen), replacesUnread, vm_.Argument<jlongArray>(details_));
+  }
+
+  Details Fingerprint(const std::string& path) {
+    JavaObject* fingerprint = vm_.Make({.longs = {0, 0}});
+    JavaObject* code = vm_.Make({.bytes = {9}});
+    Java_lumigram_jni_LumigramFiles_readPictures(
+        vm_.Env(), nullptr, vm_.Argument<jobjectArray>(vm_.Make({.elements = {vm_.String(path)}})),
+        vm_.Argument<jobjectArray>(vm_.Make({.elements = {vm_.Object(kOld)}})),
+        vm_.Argument<jlongArray>(fingerprint), vm_.Argument<jbyteArray>(code));
+    EXPECT_EQ(code->bytes[0], 0);
+    return fingerprint->longs;
+  }
+
+  const Bytes seen_ = PngStart() + PngDocument("<emoji>" + Tag("t", "file://THIS/b") + "</emoji>") +
+                      kept_ + kPngImage + kPngEnd;
+  Values object_ = full_;
+  JavaObject* details_ = vm_.Make();
+};
+
+TEST_F(JniRewrite, ComparesAndReportsTheNewFingerprint) {
+  const Details old = Fingerprint(path_), other = {old[0], old[1] + 1}, cut = {old[0]};
+  EXPECT_EQ(Rewrite(path_, &other, true), 5);
+  EXPECT_EQ(Rewrite(path_, &cut, true), -99) << "half a fingerprint";
+  EXPECT_EQ(Rewrite(path_, &old, true, 10), -99) << "no room for the details";
+  EXPECT_EQ(ReadWhole(path_), seen_);
+  EXPECT_EQ(Rewrite(path_, &old, false), 0);
+  EXPECT_EQ(Fingerprint(path_), Details(&details_->longs[0], &details_->longs[2]));
+  EXPECT_EQ(details_->longs[2], std::ssize(ReadWhole(path_)));
+  EXPECT_EQ(Rewrite(path_, &old, true), 5);
+  EXPECT_EQ(Rewrite(path_, nullptr, true), 0);
+  EXPECT_EQ(Rewrite(folder_.Path("missing.png"), nullptr, true), -20);
+  EXPECT_EQ(details_->longs[0], ENOENT);
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path("missing.png")));
+  EXPECT_EQ(Rewrite(folder_.Path("a.bmp"), nullptr, true), -21);
+  const FailCalls fail("fsync", 0, EDQUOT);
+  EXPECT_EQ(Rewrite(path_, nullptr, true), 7);
+  EXPECT_EQ(details_->longs[0], EDQUOT);
+}
+
+TEST_F(JniRewrite, CountsWhatWouldBeLost) {
+  const std::string labels =
+      Label("") + Repeat(Label("a"), 7) + Repeat(Label("b", "<part>x</part>"), 5);
+  const std::string tags = Repeat(Tag(std::string(25, 'x'), ""), 4) + Repeat(Tag("", "x"), 5) +
+                           Repeat("x<type></type>", 7) + Repeat(Tag("a", "<type>"), 8);
+  Bytes picture = PngStart() + PngDocument("<emoji>" + labels + tags + "</emoji>");
+  for (int i = 0; i < 9; ++i) picture += PngDocument("<emoji></emoji>");
+  for (int i = 0; i < 10; ++i) picture += PngBlob("EMJ00000000", "x", {});
+  const std::string path = folder_.Write("lost.png", picture + kPngImage + kPngEnd + Bytes(11));
+  EXPECT_EQ(Rewrite(path, nullptr, false), 4);
+  EXPECT_EQ(details_->longs, Details({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
+  EXPECT_EQ(Rewrite(path, nullptr, true), 3) << "the third tag keeps a blob that is not there";
+  const Bytes wide = PngStart(961) + kPngImage + kPngEnd;
+  EXPECT_EQ(Rewrite(folder_.Write("wide.png", wide), nullptr, false), -31);
+}
+
+// A reference to nothing may stay, and may not be added.
+TEST_F(JniRewrite, FindsTheBlobsOfNewReferences) {
+  object_["mTags"] = "At|u";
+  object_["mTagsElement"] = "Afile://THIS/b|file://THIS/bb";
+  object_[kLabels] = object_[kUris] = "A-*2";
+  EXPECT_EQ(Rewrite(path_, nullptr, true), 3);
+  EXPECT_EQ(details_->longs[0], 1);
+  folder_.Write("a.png", PngStart() + PngDocument("<emoji>" + Tag("t", "file://THIS/bb")) + kept_ +
+                             kPngImage + kPngEnd);
+  EXPECT_EQ(Rewrite(path_, nullptr, true), 0);
+  const std::string jpeg = folder_.Write("a.jpg", kJpegStart + JpegFrame() + kJpegScan + kJpegEnd);
+  EXPECT_EQ(Rewrite(jpeg, nullptr, true), 3);
+}
+
+TEST_F(JniRewrite, AFailureOfTheMachineLeavesThePictureAlone) {
+  int status;
+  const Details old = Fingerprint(path_);
+  const auto write = [&] {
+    folder_.Write("a.png", seen_);
+    status = Rewrite(path_, &old, false);
+  };
+  vm_.FailEach(write, [&](const std::string& failed) {
+    EXPECT_EQ(status, failed.empty() ? 0 : -99);
+    EXPECT_EQ(ReadWhole(path_) == seen_, !failed.empty() && failed != "SetLongArrayRegion");
+  });
+}
+
+TEST_F(JniPicture, FindsWhatIsWrongWithAFile) {
+  JavaObject* words = vm_.Make({.elements = {nullptr}});
+  const auto find = [&](const std::string& path, int error) {
+    return Java_lumigram_jni_LumigramFiles_findObstacle(vm_.Env(), nullptr, Text(path), true, error,
+                                                        vm_.Argument<jobjectArray>(words));
+  };
+  const std::string gif = folder_.Write("a.gif", kBarePng), png = folder_.Write("a.png", kBarePng);
+  vm_.FailEach([&] { EXPECT_TRUE(find(gif, EIO) % 7 == 0); }, [&](const std::string&) {});
+  EXPECT_EQ(words->elements[0]->text, "holds a PNG picture; rename it to .png");
+  EXPECT_EQ(find(png, EDQUOT), 0);
+  EXPECT_EQ(words->elements[0]->text, "Disk quota exceeded");
+  EXPECT_EQ(find(png, 0), 0);
+  EXPECT_EQ(words->elements[0]->text, "");
+}
+
 }  // namespace
 }  // namespace lumigram::test

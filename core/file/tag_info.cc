@@ -29,7 +29,7 @@ Status TakeTags(char* document, const char* tagName, char results[10][1025]) {
 Status LookUpTags(const PictureFile& picture, const char* tagName, char results[10][1025]) {
   char document[kLumigramDocumentBufferBytes] = {};
   int32_t height = 0, width = 0, pop = 0;
-  if (picture.ReadDocument({document, &height, &width, &pop}) != kOk) return kBadArgument;
+  if (Status s = picture.ReadDocument({document, &height, &width, &pop}); s != kOk) return s;
   return TakeTags(document, tagName, results);
 }
 

@@ -7,7 +7,7 @@
 
 namespace lumigram {
 
-// As GetTagInfo(), for a file that has been opened.
+// As GetTagInfo(), for a file that has been opened, but with the status of a reader that fails.
 Status LookUpTags(const PictureFile& picture, const char* tagName, char results[10][1025]);
 
 }  // namespace lumigram

@@ -121,6 +121,13 @@ JavaObject*& FakeJni::FieldOf(jobject object, jfieldID id, bool isNumber) {
   return At(object)->fields[field.first];
 }
 
+// An exception when the array is too short, like a virtual machine.
+void FakeJni::CopyRegion(std::vector<jlong>& array, jsize at, jsize size,
+                         const std::function<void(jlong&)>& copy) {
+  pending_ = at + size > std::ssize(array);
+  if (!pending_) std::for_each_n(array.begin() + at, size, copy);
+}
+
 // Puts a function into the table that may fail, with null or 0 and an exception.
 template <typename Result, typename... Arguments, typename Function>
 void FakeJni::MayFail(const char* name, Result (*&entry)(JNIEnv*, Arguments...), Function) {
@@ -188,7 +195,8 @@ FakeJni::FakeJni() {
     for (jint i = 0; i < a[4].i; ++i) to.at(size_t(a[3].i + i)) = from.at(size_t(a[1].i + i));
   });
   MAY_FAIL(GetArrayLength, [](jarray array) {
-    return vm->At(array)->elements.size() + vm->At(array)->bytes.size();
+    return vm->At(array)->elements.size() + vm->At(array)->bytes.size() +
+           vm->At(array)->longs.size();
   });
   MAY_FAIL(GetObjectArrayElement, [](jobjectArray array, jsize i) {
     return vm->NewRef(vm->At(array)->elements.at(size_t(i)));
@@ -205,6 +213,15 @@ FakeJni::FakeJni() {
   });
   MAY_FAIL(NewByteArray, [](jsize size) {
     return vm->NewRef(vm->Make({.bytes = std::vector<jbyte>(size_t(size))}));
+  });
+  MAY_FAIL(SetLongArrayRegion, [](jlongArray array, jsize at, jsize size, const jlong* from) {
+    vm->CopyRegion(vm->At(array)->longs, at, size, [&](jlong& to) { to = *from++; });
+  });
+  MAY_FAIL(GetLongArrayRegion, [](jlongArray array, jsize at, jsize size, jlong* to) {
+    vm->CopyRegion(vm->At(array)->longs, at, size, [&](jlong from) { *to++ = from; });
+  });
+  MAY_FAIL(SetIntArrayRegion, [](jintArray array, jsize at, jsize size, const jint* from) {
+    vm->CopyRegion(vm->At(array)->longs, at, size, [&](jlong& to) { to = *from++; });
   });
   MAY_FAIL(GetStringUTFLength, [](jstring string) { return vm->At(string)->text.size(); });
   MAY_FAIL(GetStringUTFChars, [](jstring string, jboolean*) {

@@ -21,6 +21,7 @@ struct JavaObject {
   std::string text = {};                   // of a string, in modified UTF-8; a number or name
   std::vector<JavaObject*> elements = {};  // of an array of objects
   std::vector<jbyte> bytes = {};           // of an array of bytes
+  std::vector<jlong> longs = {};           // of an array of longs or ints
   std::map<std::string, JavaObject*> fields = {};      // their values
   std::map<std::string, std::string> signatures = {};  // of a class: those of its fields
 };
@@ -64,6 +65,8 @@ class FakeJni {
   template <typename Result, typename... Arguments, typename Function>
   void MayFail(const char* name, Result (*&entry)(JNIEnv*, Arguments...), Function);
   void CheckAllIsGivenBack() const;
+  void CopyRegion(std::vector<jlong>& array, jsize at, jsize size,
+                  const std::function<void(jlong&)>& copy);
   JavaObject*& FieldOf(jobject object, jfieldID id, bool isNumber = false);
 
   // The type has another name in a JDK's jni.h than in Android's.

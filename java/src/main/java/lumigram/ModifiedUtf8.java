@@ -52,17 +52,6 @@ final class ModifiedUtf8 {
   }
 
   /**
-   * {@return whether a text that was read may be stored in other bytes than those of {@link
-   * #encode}: U+FFFD replaces invalid bytes, and a character outside the basic plane may be stored
-   * as 4 bytes}
-   *
-   * @param text a text that was read
-   */
-  static boolean mayBeSpelledOtherwise(String text) {
-    return text.indexOf('\uFFFD') >= 0 || text.codePointCount(0, text.length()) < text.length();
-  }
-
-  /**
    * {@return whether a surrogate in the text lacks its other half}
    *
    * @param text any text

@@ -1,12 +1,14 @@
 package lumigram;
 
 import java.io.File;
+import java.io.IOException;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.Collections;
 import java.util.List;
 import java.util.Objects;
 import lumigram.jni.LumigramAttrInfo;
-import lumigram.jni.LumigramJni;
+import lumigram.jni.LumigramFiles;
 
 /**
  * A picture file with metadata: a GIF, PNG or JPEG. The file's extension decides which ({@code
@@ -18,6 +20,9 @@ import lumigram.jni.LumigramJni;
  * picture.write(picture.info().withLabel("heart").withTag("color", "red"));
  * }</pre>
  *
+ * <p>A picture knows the metadata that it has read or written last, and does not overwrite the
+ * changes of others: see {@link #write}. It may be used from any thread.
+ *
  * <p>The first use loads the native library: the file that the system property {@code
  * lumigram.library.path} names, or, when it is not set, the one on {@code java.library.path}. When
  * that fails, an {@link UnsatisfiedLinkError} reports what was tried.
@@ -26,21 +31,37 @@ public final class Picture {
   private static final int CHUNK = 256;
   private static final int GROUP_SIZE = 10;
   private static final int MAX_LOOKUP_BYTES = 255;
+  private static final int NO_BLOB = -2;
+  private static final int NO_DOCUMENT = -5;
+  private static final String TEMPORARY_PREFIX = ".lumigram-";
 
-  private final File file;
-  private final PictureInfo info;
+  /** The metadata that was read or written last. */
+  private static final class State {
+    final PictureInfo info;
+    final long[] fingerprint;
+    final int fileSize;
+
+    State(PictureInfo info, long high, long low, long fileSize) {
+      this.info = info;
+      this.fingerprint = new long[] {high, low};
+      this.fileSize = (int) fileSize;
+    }
+  }
+
+  private final Storage storage;
   private final int width;
   private final int height;
-  private final int fileSize;
   private final boolean pop;
+  private final boolean wasRead;
+  private volatile State state;
 
-  private Picture(File file, PictureInfo info, LumigramAttrInfo attr) {
-    this.file = file;
-    this.info = info;
-    width = (int) attr.mWidth;
-    height = (int) attr.mHeight;
-    fileSize = (int) attr.mFileSize;
-    pop = attr.mOrnamailPop == 1;
+  private Picture(Storage storage, LumigramAttrInfo attr, State state) {
+    this.storage = storage;
+    this.state = state;
+    wasRead = attr != null;
+    width = wasRead ? (int) attr.mWidth : 0;
+    height = wasRead ? (int) attr.mHeight : 0;
+    pop = wasRead && attr.mOrnamailPop == 1;
   }
 
   /**
@@ -51,12 +72,12 @@ public final class Picture {
    * @return the picture
    */
   public static Picture at(File file) {
-    return new Picture(Objects.requireNonNull(file, "file"), null, new LumigramAttrInfo());
+    return new Picture(new FileStorage(file), null, null);
   }
 
   /**
    * Reads the metadata of one picture. {@link PictureInfo} lists what a picture may carry that is
-   * not read. While the file is empty, this waits for it, up to five seconds.
+   * not read. Does not wait for a file that is still empty.
    *
    * @param file the picture's file
    * @return the picture with its {@link #info}, which is empty when the picture has no metadata
@@ -68,7 +89,7 @@ public final class Picture {
 
   /**
    * Reads the metadata of many pictures, faster than one by one. A file that cannot be read does
-   * not stop the others.
+   * not stop the others, and none is waited for.
    *
    * @param files the pictures' files, of which none is null
    * @return an unmodifiable list with a result for each file, in the same order
@@ -82,37 +103,70 @@ public final class Picture {
     return Collections.unmodifiableList(results);
   }
 
+  /**
+   * Reads the metadata of the pictures in a folder: of all entries with the extension of a picture,
+   * in the order of their names, without those of subfolders and without the temporary files of a
+   * write.
+   *
+   * @param folder the folder
+   * @return an unmodifiable list with a result for each picture
+   * @throws PictureException when the folder cannot be listed
+   */
+  public static List<ReadResult> readFolder(File folder) throws PictureException {
+    File[] files = folder.listFiles(
+        (parent, name) -> !name.startsWith(TEMPORARY_PREFIX) && Kind.of(new File(name)) != null);
+    if (files == null) throw notListed(folder);
+    Arrays.sort(files);
+    return readAll(Arrays.asList(files));
+  }
+
+  private static PictureException notListed(File folder) {
+    Status status = Status.ofObstacle(
+        LumigramFiles.findObstacle(folder.getPath(), false, 0, new String[1]));
+    if (status == Status.MISSING) return new PictureException(folder, status, "no such folder");
+    if (folder.isDirectory()) status = Status.FORBIDDEN;
+    return status == Status.FORBIDDEN
+        ? new PictureException(folder, status, "the folder cannot be listed")
+        : new PictureException(folder, Status.NOT_A_FOLDER);
+  }
+
   private static void readChunk(List<File> files, List<ReadResult> results) {
     String[] paths = new String[files.size()];
     LumigramAttrInfo[] attrs = new LumigramAttrInfo[paths.length];
+    long[] fingerprints = new long[2 * paths.length];
     byte[] codes = new byte[paths.length];
     for (int i = 0; i < paths.length; i++) {
       paths[i] = Objects.requireNonNull(files.get(i), "file").getPath();
       attrs[i] = new LumigramAttrInfo();
     }
-    int batchCode = LumigramJni.getLumigramAttrInfo(paths, attrs, codes);
+    int batchCode = LumigramFiles.readPictures(paths, attrs, fingerprints, codes);
     for (int i = 0; i < paths.length; i++) {
-      File file = files.get(i);
-      Status status = Status.ofReading(batchCode != 0 ? batchCode : codes[i]);
-      results.add(status == Status.OK
-              ? new ReadResult(new Picture(file, Attributes.toInfo(file, attrs[i]), attrs[i]))
-              : new ReadResult(new PictureException(file, status)));
+      Storage storage = new FileStorage(files.get(i));
+      int code = batchCode != 0 ? batchCode : codes[i];
+      if (code != 0) {
+        results.add(new ReadResult(storage.failure(code, false, 0)));
+      } else {
+        PictureInfo info = Attributes.toInfo(attrs[i]).readFrom(storage);
+        State state =
+            new State(info, fingerprints[2 * i], fingerprints[2 * i + 1], attrs[i].mFileSize);
+        results.add(new ReadResult(new Picture(storage, attrs[i], state)));
+      }
     }
   }
 
   /** {@return the picture's file, as the caller named it} */
   public File file() {
-    return file;
+    return storage.file();
   }
 
   /**
-   * {@return the metadata that the picture had when it was read}
+   * {@return the metadata that the picture had when it was read, or that this object has written
+   * last}
    *
-   * @throws IllegalStateException when the picture was not read
+   * @throws IllegalStateException when the picture was neither read nor written
    */
   public PictureInfo info() {
-    requireRead();
-    return info;
+    return known(state).info;
   }
 
   /**
@@ -136,13 +190,12 @@ public final class Picture {
   }
 
   /**
-   * {@return the size of the file in bytes}
+   * {@return the size of the file in bytes, when it was read or written last}
    *
-   * @throws IllegalStateException when the picture was not read
+   * @throws IllegalStateException when the picture was neither read nor written
    */
   public int fileSize() {
-    requireRead();
-    return fileSize;
+    return known(state).fileSize;
   }
 
   /**
@@ -157,13 +210,26 @@ public final class Picture {
   }
 
   /**
-   * Replaces the metadata of the picture; everything else in it stays. This object keeps the old
-   * metadata: read the picture again to get the new.
+   * Replaces the metadata of the picture; everything else in it stays. Afterwards {@link #info}
+   * returns the new metadata, in which new blobs are blobs of the picture. An old blob stays when a
+   * tag refers to it.
    *
-   * <p>The write is refused, before the file is touched, when the metadata is over a limit, and
-   * when it was read from this picture and the write would remove something that could not be read
-   * ({@link PictureInfo} has both rules). Metadata that was read from another picture needs {@link
-   * PictureInfo#asNew}. An old blob stays when a tag refers to it.
+   * <p>The write is refused, and the picture unchanged,
+   *
+   * <ul>
+   *   <li>with {@link Status#CHANGED} when somebody else has changed the metadata or the blobs of
+   *       the file since this object read or last wrote it. Changed pixels do not matter. When this
+   *       object has neither read nor written the picture, nothing is compared;
+   *   <li>with {@link Status#UNREAD} when the metadata was read from this picture, and the write
+   *       would remove something that could not be read ({@link PictureInfo} has a list), and when
+   *       it was read from another picture: {@link PictureInfo#asNew} lifts both;
+   *   <li>when the metadata is over a limit or could not be read back ({@link PictureInfo}).
+   * </ul>
+   *
+   * <p>Writes of several programs that use this method or the command line tool follow each other:
+   * each locks the file, and this one waits for a lock for at most ten seconds ({@link
+   * Status#BUSY}). When any other program changes the file while this one works, the write begins
+   * again with the file as it is then. No file is created.
    *
    * <p>Two kinds of pictures are written although their metadata cannot be read afterwards: one
    * without an image, which has no place for metadata, so that it is lost; and one that is wider or
@@ -172,14 +238,48 @@ public final class Picture {
    * @param info the new metadata
    * @throws PictureException when it was not written; the picture is then unchanged
    */
-  public void write(PictureInfo info) throws PictureException {
+  public synchronized void write(PictureInfo info) throws PictureException {
     Objects.requireNonNull(info, "info");
-    Kind kind = Kind.of(file);
-    if (kind == null) throw new PictureException(file, Status.UNSUPPORTED_TYPE);
-    WriteCheck.check(file, kind, info);
-    if (info.origin() != null) info.origin().check(file, kind);
-    int code = LumigramJni.setLumigramAttrInfo(file.getPath(), Attributes.toUpdate(info));
-    if (code != 0) throw new PictureException(file, Status.ofWriting(code));
+    Kind kind = storage.kind();
+    if (kind == null) throw new PictureException(storage.file(), Status.UNSUPPORTED_TYPE);
+    WriteCheck.check(storage.file(), kind, info);
+    requireSamePicture(info.origin());
+    State seen = state;
+    long[] details = new long[Unread.KINDS];
+    int code = storage.write(Attributes.toUpdate(info), seen == null ? null : seen.fingerprint,
+        info.origin() == null, details);
+    if (code != 0) throw refusal(info, code, details);
+    state = new State(info.asWritten().readFrom(storage), details[0], details[1], details[2]);
+  }
+
+  private PictureException refusal(PictureInfo info, int code, long[] details) {
+    switch (code) {
+      case LumigramFiles.UNREAD:
+        return new PictureException(storage.file(), Status.UNREAD, Unread.sentence(details));
+      case LumigramFiles.BLOB_MISSING:
+        int tag = (int) details[0];
+        return new PictureException(storage.file(), Status.UNUSABLE_BLOB,
+            "tag " + (tag + 1) + ": the blob \"" + info.tags().get(tag).blobName()
+                + "\" is not in the picture");
+      default:
+        return storage.failure(code, true, (int) details[0]);
+    }
+  }
+
+  /** The file may have got another name, or the metadata may have been read by another name. */
+  private void requireSamePicture(Storage origin) throws PictureException {
+    if (origin == null || origin == storage) return;
+    boolean isSame;
+    try {
+      isSame = origin.file() != null && storage.file() != null
+          && origin.file().getCanonicalFile().equals(storage.file().getCanonicalFile());
+    } catch (IOException failure) {
+      isSame = false;
+    }
+    if (isSame) return;
+    throw new PictureException(storage.file(), Status.UNREAD,
+        "The metadata was read from another picture, " + origin.file()
+            + ", and asNew() not called");
   }
 
   /**
@@ -194,10 +294,9 @@ public final class Picture {
   public List<String> tag(String name) throws PictureException {
     if (ModifiedUtf8.bytes(name) > MAX_LOOKUP_BYTES) return Collections.emptyList();
     String[] results = new String[GROUP_SIZE];
-    if (LumigramJni.getLumigramTagInfo(file.getPath(), name, results) != 0) {
-      read(file);  // throws, unless there is just no metadata
-      return Collections.emptyList();
-    }
+    int code = storage.lookUpTag(name, results);
+    if (code == NO_DOCUMENT) return Collections.emptyList();
+    if (code != 0) throw storage.failure(code, false, 0);
     List<String> contents = new ArrayList<>();
     for (String content : results) {
       if (!content.isEmpty()) contents.add(content);
@@ -211,24 +310,36 @@ public final class Picture {
    *
    * @param label the blob's label, or its beginning; empty for any
    * @param name the blob's name, or its beginning; empty for any
-   * @return the blob's bytes; null when there is no such blob, or when it is empty
+   * @return the blob's bytes; null when there is no such blob
    * @throws PictureException when the file cannot be read
    */
   public byte[] blob(String label, String name) throws PictureException {
     Objects.requireNonNull(label, "label");
     Objects.requireNonNull(name, "name");
-    byte[] bytes = LumigramJni.getLumigramApplicationExtensionInfo(file.getPath(), label, name);
-    if (bytes == null) read(file);  // throws, unless there is just no such blob
+    int[] status = {0};
+    byte[] bytes = storage.readBlob(label, name, status);
+    if (status[0] == NO_BLOB) return null;
+    if (status[0] != 0) throw storage.failure(status[0], false, 0);
     return bytes;
   }
 
   /** {@return the file and its metadata as text for people to read} */
   @Override
   public String toString() {
-    return file + (info == null ? "" : ": " + info);
+    State now = state;
+    return storage.file() + (now == null ? "" : ": " + now.info);
+  }
+
+  private State known(State now) {
+    if (now == null) throw notRead();
+    return now;
   }
 
   private void requireRead() {
-    if (info == null) throw new IllegalStateException(file + " was not read: use Picture.read");
+    if (!wasRead) throw notRead();
+  }
+
+  private IllegalStateException notRead() {
+    return new IllegalStateException(storage.file() + " was not read: use Picture.read");
   }
 }

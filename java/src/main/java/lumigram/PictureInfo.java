@@ -32,26 +32,23 @@ import java.util.Objects;
  * hold U+0000, half a surrogate pair, or U+FFFD, which replaces invalid bytes in a text that was
  * read. The name of a label or tag is never empty.
  *
- * <p><b>Metadata that is not read.</b> The native side reads what is within the limits and does not
- * report the rest. Metadata that was read therefore lacks:
+ * <p><b>Metadata that is not read.</b> What is over the limits is not read. Metadata that was read
+ * therefore lacks:
  *
  * <ul>
  *   <li>the labels after the tenth, and all of them when one is malformed or over its limits;
  *   <li>all tags when one is over its limits, or when the first one has an empty name; otherwise
  *       those after the first hundred, those of groups after the tenth, and those after the tenth
  *       of a group;
- *   <li>when the content of the first tag is empty, the tags of a group after one with an empty
- *       content: {@link Picture#read} then looks up each group, and a lookup ends there;
  *   <li>a category or type over 256 bytes; a part of speech that is not in {@link PartOfSpeech};
  *   <li>the blobs that no tag refers to.
  * </ul>
  *
- * <p>A write would remove all of this from the picture. {@link Picture#write} therefore searches
- * the file first, and refuses with {@link Status#UNREAD} when it finds more than was read; {@link
- * #asNew} turns the search off. The search does not find text outside of the elements above, which
- * a write removes: white space, and elements that are not of this format. Nor does it find
- * characters outside the basic plane that a program without Java has stored as 4 bytes; a write
- * stores them as 6.
+ * <p>A write would remove all of this from the picture, and with it text between the elements,
+ * further documents, and bytes after the end of the picture. {@link Picture#write} therefore refuses
+ * with {@link Status#UNREAD} when the picture has any of it, and names what it is; {@link #asNew}
+ * turns this off. Characters outside the basic plane that a program without Java has stored as 4
+ * bytes are stored as 6.
  */
 public final class PictureInfo {
   private static final PictureInfo EMPTY =
@@ -61,10 +58,10 @@ public final class PictureInfo {
   private final String category;
   private final String type;
   private final List<Tag> tags;
-  private final Origin origin;
+  private final Storage origin;
 
   private PictureInfo(
-      List<Label> labels, String category, String type, List<Tag> tags, Origin origin) {
+      List<Label> labels, String category, String type, List<Tag> tags, Storage origin) {
     this.labels = labels;
     this.category = Objects.requireNonNull(category, "category");
     this.type = Objects.requireNonNull(type, "type");
@@ -73,12 +70,21 @@ public final class PictureInfo {
   }
 
   /**
-   * {@return the same metadata, with a file as its origin}
+   * {@return the same metadata, with its origin}
    *
-   * @param file the file from which this was read
+   * @param storage the picture from which this was read, or into which it was written
    */
-  PictureInfo readFrom(File file) {
-    return new PictureInfo(labels, category, type, tags, new Origin(file, this));
+  PictureInfo readFrom(Storage storage) {
+    return new PictureInfo(labels, category, type, tags, storage);
+  }
+
+  /** {@return the same metadata as a read after the write finds it: with no new blobs} */
+  PictureInfo asWritten() {
+    List<Tag> written = new ArrayList<>(tags.size());
+    for (Tag tag : tags) {
+      written.add(new Tag(tag.name(), tag.content()));
+    }
+    return withTags(written);
   }
 
   /**
@@ -144,6 +150,20 @@ public final class PictureInfo {
    */
   public PictureInfo withLabels(Collection<Label> labels) {
     return new PictureInfo(copyOf(labels, "label"), category, type, tags, origin);
+  }
+
+  /**
+   * Removes the labels of one name.
+   *
+   * @param name the labels' name
+   * @return the new metadata
+   */
+  public PictureInfo withoutLabel(String name) {
+    List<Label> rest = new ArrayList<>();
+    for (Label label : labels) {
+      if (!label.name().equals(name)) rest.add(label);
+    }
+    return withLabels(rest);
   }
 
   /**
@@ -224,8 +244,8 @@ public final class PictureInfo {
     return new PictureInfo(labels, category, type, tags, null);
   }
 
-  /** {@return the origin of metadata that was read; null for other metadata} */
-  Origin origin() {
+  /** {@return the origin of metadata that was read or written; null for other metadata} */
+  Storage origin() {
     return origin;
   }
 
@@ -268,9 +288,45 @@ public final class PictureInfo {
     return Collections.unmodifiableList(copy);
   }
 
-  /** {@return the metadata as text for people to read} */
+  /**
+   * Metadata is equal when its labels, category, type and tags are; where it was read does not
+   * matter.
+   */
+  @Override
+  public boolean equals(Object other) {
+    if (!(other instanceof PictureInfo)) return false;
+    PictureInfo that = (PictureInfo) other;
+    return labels.equals(that.labels) && category.equals(that.category) && type.equals(that.type)
+        && tags.equals(that.tags);
+  }
+
+  @Override
+  public int hashCode() {
+    return Objects.hash(labels, category, type, tags);
+  }
+
+  /**
+   * {@return the metadata as text for people to read, such as {@code smile (happy) [noun], wink;
+   * category: face; type: anime; tags: color=yellow}}
+   */
   @Override
   public String toString() {
-    return "labels " + labels + ", category " + category + ", type " + type + ", tags " + tags;
+    StringBuilder text = new StringBuilder();
+    describe(text, "", listed(labels));
+    describe(text, "category: ", category);
+    describe(text, "type: ", type);
+    describe(text, "tags: ", listed(tags));
+    return text.length() == 0 ? "no metadata" : text.toString();
+  }
+
+  private static void describe(StringBuilder text, String title, String value) {
+    if (value.isEmpty()) return;
+    if (text.length() > 0) text.append("; ");
+    text.append(title).append(value);
+  }
+
+  private static String listed(List<?> items) {
+    String list = items.toString();
+    return list.substring(1, list.length() - 1);
   }
 }

@@ -2,9 +2,7 @@ package lumigram;
 
 import java.io.File;
 import java.util.ArrayList;
-import java.util.HashSet;
 import java.util.List;
-import java.util.Set;
 
 /**
  * Refuses metadata that a picture cannot hold, or that could not be read back unchanged. The native
@@ -54,7 +52,6 @@ final class WriteCheck {
     check.checkText("the type", info.type(), MAX_TEXT_BYTES, NO_LIMIT);
     check.checkTags();
     check.checkGroups();
-    check.checkLookups();
     check.checkBlobs();
     int bytes = ModifiedUtf8.bytes(info.document());
     check.checkLength("the document", bytes, kind.documentBytes, "bytes");
@@ -133,41 +130,14 @@ final class WriteCheck {
     }
   }
 
-  /** When the first content is empty, readers look up each group; a lookup ends at an empty one. */
-  private void checkLookups() throws PictureException {
-    if (info.tags().isEmpty() || !info.tags().get(0).content().isEmpty()) return;
-    Set<String> ended = new HashSet<>();
-    for (Tag tag : info.tags()) {
-      boolean empty = tag.content().isEmpty();
-      if (ended.contains(tag.name()) || empty && ModifiedUtf8.mayBeSpelledOtherwise(tag.name())) {
-        String group = "the group \"" + tag.name() + "\"";
-        throw notStorable(group
-            + " could not be read back, because the first tag and one of this group"
-            + " have no content");
-      }
-      if (empty) ended.add(tag.name());
-    }
-  }
-
   private void checkBlobs() throws PictureException {
     for (int i = 0; i < info.tags().size(); i++) {
       Tag tag = info.tags().get(i);
       if (tag.blobName() == null) continue;
       String field = "tag " + (i + 1) + ": the blob \"" + tag.blobName() + "\"";
-      if (tag.keepsBlob()) {
-        checkKeptBlob(field, tag.blobName());
-      } else {
-        checkNewBlob(field, tag);
-        checkNameOfNewBlob(field, i);
-      }
-    }
-  }
-
-  /** The picture must have the blob, unless the reference was read from the picture. */
-  private void checkKeptBlob(String field, String name) throws PictureException {
-    if (info.origin() != null && info.origin().refersToBlob(name)) return;
-    if (Picture.at(file).blob(BLOB_MARK, name) == null) {
-      throw unusable(field + " is not in the picture");
+      if (tag.keepsBlob()) continue;
+      checkNewBlob(field, tag);
+      checkNameOfNewBlob(field, i);
     }
   }
 

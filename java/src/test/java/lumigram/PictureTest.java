@@ -12,6 +12,7 @@ import javax.imageio.ImageIO;
 import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramStatus;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
 import org.junit.jupiter.api.io.TempDir;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
@@ -20,6 +21,7 @@ import org.junit.jupiter.params.provider.ValueSource;
 class PictureTest {
   @TempDir static File folder;
 
+  static final String PNG = "\u0089PNG\r\n\u001A\n";
   static final PictureInfo NEW = PictureInfo.empty();
   static final PictureInfo RICH = NEW.withLabel("smile 😀", "\"tab\t\", line\n", PartOfSpeech.SYMBOL)
                                       .withLabel("שלום")
@@ -28,7 +30,8 @@ class PictureTest {
                                       .withTag("empty", "")
                                       .withTag("color", "red")
                                       .withTag("second", "x")
-                                      .withTag("color", "");
+                                      .withTag("color", "")
+                                      .withTag("color", "blue");
 
   static File picture(String kind) throws Exception {
     File file = File.createTempFile("😀 笑", "." + kind, folder);
@@ -59,7 +62,7 @@ class PictureTest {
 
   static Picture written(File file, PictureInfo info) throws Exception {
     Picture.at(file).write(info);
-    assertEquals(info.toString(), Picture.read(file).info().toString());
+    assertEquals(info, Picture.read(file).info());
     return Picture.read(file);
   }
 
@@ -74,7 +77,7 @@ class PictureTest {
   void statusesAreThoseOfTheLibrary() {
     for (int code = -127; code < 0; code++) {
       if (LumigramStatus.describe(code).startsWith("unknown")) continue;
-      assertEquals(code, Status.ofReading(code).code());
+      assertEquals(code, Status.of(code).code());
     }
   }
 
@@ -153,7 +156,6 @@ class PictureTest {
     refuses(png, NEW.withType("a\0"), "the type holds U+0000");
     refuses(png, NEW.withType("\uFFFD"), "the type holds U+FFFD");
     refuses(png, NEW.withType("😀\uD83D"), "half a surrogate pair");
-    refuses(png, RICH.withTag("color", "x"), "the group \"color\" could not be read back");
     refuses(png, NEW.withBlob("t", "EMJ456789012", blob()), "its label has 12 bytes, 1 over");
     refuses(png, NEW.withBlob("t", "XMJ", blob()), "does not begin with EMJ (UNUSABLE_BLOB, 3)");
     refuses(png, NEW.withBlob("t", "EMJ", folder), "there is no file");
@@ -166,14 +168,14 @@ class PictureTest {
   // clang-format would indent the rows past the limit.
   // clang-format off
   @CsvSource(delimiter = ';', quoteCharacter = '~', value = {
-    "11; <label><name>n</name></label>; [n, n, n, n, n, n, n, n, n, n][]; [labels: 1]",
-    "1; <label></label><type>t</type><type></type>; []t[]; [labels: 1, types: 1]",
-    "1; <label><name>n</name><part>x</part></label>; [n][]; [parts of speech: 1]",
-    "2; <category>c</category>; []c[]; [categories: 1]",
-    "11; <tags name='a'>x</tags>; [][a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x]; [tags: 1]",
-    "1; <tags name='a'>x</tags><tags name='1234567890123456789012345'></tags>; [][]; [tags: 2]",
-    "1; <tags name=''>x</tags><tags name='b'>y</tags>; [][]; [tags: 2]",
-    "1; <tags name='a'></tags><tags name='b'>y</tags><tags name='a'>x</tags>;[][a=, b=y];[tags: 1]"
+    "11; <label><name>n</name></label>; [n, n, n, n, n, n, n, n, n, n][]; [labels after the tenth: 1]",
+    "1; <label></label><type>t</type><type></type>; []t[]; [labels over a limit or without a name: 1, second or",
+    "1; <label><name>n</name><part>x</part></label>; [n][]; [unknown parts of speech: 1]",
+    "2; <category>c</category>; []c[]; or too long categories or types: 1]",
+    "11; <tags name='a'>x</tags>; [][a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x, a=x]; or without a name: 1]",
+    "1; <tags name='a'>x</tags><tags name='1234567890123456789012345'></tags>; [][]; [tags over a limit: 1]",
+    "1; <tags name=''>x</tags><tags name='b'>y</tags>; [][]; or without a name: 1]",
+    "2; <type>t</type> and </emoji><emoji>; []t[]; [texts between elements: 2]"
   })
   void unreadIsNotLost(int times, String body, String told, String unread) throws Exception {
     // clang-format on
@@ -181,7 +183,7 @@ class PictureTest {
     PictureInfo info = Picture.read(file).info();
     assertEquals(told, told(info));
     refuses(file, info.withLabels(List.of()), unread);
-    refuses(picture("jpg"), info, "from another file, " + file);
+    refuses(picture("jpg"), info, "from another picture, " + file);
     written(file, info.asNew());
   }
 
@@ -191,31 +193,112 @@ class PictureTest {
     File file = picture(kind);
     written(file, NEW.withBlob("t", "EMJ", blob()).withTag("u", "file://ELSE/none"));
     edit(file, "file://THIS", "file://ELSE");
-    refuses(file, Picture.read(file).info(), "[blob \"data.bin\"]; metadata from");
+    refuses(file, Picture.read(file).info(), "[blobs that no tag refers to: 1]; metadata from");
     edit(file, "file://ELSE", "file://THIS");
     written(file, Picture.read(file).info());
   }
 
   @Test
-  void aBatchTellsOfEveryFile() throws Exception {
-    File good = picture("gif");
+  void everyWriteStartsFromTheLast() throws Exception {
+    Picture picture = Picture.read(picture("gif"));
+    PictureInfo first = picture.info();
+    picture.write(first.withLabel("one"));
+    picture.write(picture.info().withLabel("two").withBlob("data", "EMJ", blob()));
+    assertTrue(blob().delete());
+    picture.write(picture.info().withType("type"));
+    String text = "one, two; type: type; tags: data=file://THIS/data.bin";
+    assertEquals(text, picture.info().toString());
+    assertEquals(picture.info(), Picture.read(picture.file()).info());
+    assertEquals(picture.file().length(), picture.fileSize());
+    picture.write(first);
+    picture.write(first);
+    assertEquals("no metadata", Picture.read(picture.file()).info().toString());
+    Picture unread = Picture.at(picture.file());
+    assertThrows(IllegalStateException.class, unread::info);
+    unread.write(NEW.withLabel("three"));
+    assertEquals("three", unread.info().toString());
+    assertThrows(IllegalStateException.class, unread::isPop);
+    assertThrows(PictureException.class, () -> picture.write(first));
+  }
+
+  static final String COMMENT = "\0\0\0!tEXtComment\0see <label> in the manualCRC.";
+
+  @ParameterizedTest
+  @CsvSource({"gif,GIF89a,GIF87a,true", "png,IHDR,IHDS,true", "png,<label> in,<label> is,true",
+      "gif,one,two,false", "jpg,one,two,false", "png,AAB,AAC,false", "gif,AAB,AAC,false",
+      "png,EMJx,EMJy,false", "gif,EMJx,EMJy,false", "gif,data.bin,data.bim,false"})
+  void whatOthersChangeIsNotLost(String kind, String old, String change, boolean written)
+      throws Exception {
+    File file = picture(kind);
+    File blob = Files.writeString(blob().toPath(), "A".repeat(700) + "B").toFile();
+    edit(file, "\0\0\0\0IEND", COMMENT + "\0\0\0\0IEND");
+    PictureInfo info = NEW.withLabel("one");
+    written(file, kind.equals("jpg") ? info : info.withBlob("t", "EMJx", blob));
+    Picture picture = Picture.read(file);
+    edit(file, old, change);
+    if (written) {
+      picture.write(picture.info().withType("t"));
+    } else {
+      PictureException e =
+          assertThrows(PictureException.class, () -> picture.write(NEW.withLabel("x")));
+      assertEquals(Status.CHANGED, e.status());
+    }
+    assertTrue(Files.readString(file.toPath(), ISO_8859_1).contains(change));
+  }
+
+  @Test
+  void aFolderIsReadAndEveryFailureSaysWhatItIs() throws Exception {
+    File pictures = new File(folder, "pictures");
+    String[][] rows = {
+        {"a.png", null, "a folder (NOT_A_FILE, 13)"},
+        {"b.GIF", "GIF89a123", "The picture is damaged or cut short (DAMAGED, -30)"},
+        {"c.gif", "", "empty file (EMPTY, 14)"},
+        {"d.png", "text", "holds text, not a picture (OTHER_CONTENT, 16)"},
+        {"e.gif", PNG, "holds a PNG picture; rename it to .png (OTHER_CONTENT, 16)"},
+        {"f.png", PNG + "\0".repeat(1 << 21), "over 2 MiB (TOO_LARGE, 15)"},
+        {"g.gif", "mkfifo", "not a regular file (NOT_A_FILE, 13)"},
+    };
+    for (String[] row : rows) {
+      File file = new File(pictures, row[0]);
+      if (row[1] == null) assertTrue(file.mkdirs());
+      else if (row[1].equals("mkfifo")) new ProcessBuilder(row[1], file.getPath()).start().waitFor();
+      else Files.writeString(file.toPath(), row[1], ISO_8859_1);
+    }
+    File good = new File(pictures, "h.jpg");
+    assertTrue(picture("jpg").renameTo(good));
     written(good, RICH);
-    File cut = Files.write(new File(folder, "cut.gif").toPath(), new byte[9]).toFile();
-    List<File> files =
-        List.of(good, picture("jpg"), cut, new File("missing.gif"), new File("photo.bmp"));
-    List<ReadResult> results = Picture.readAll(files);
-    assertEquals(RICH.toString(), results.get(0).picture().info().toString());
-    assertEquals(NEW.toString(), results.get(1).picture().info().toString());
-    String[] codes = {"cut short (DAMAGED, -30)", "(CANNOT_OPEN, -20)", "(UNSUPPORTED_TYPE, -21)"};
-    for (int i = 0; i < codes.length; i++) {
-      PictureException e = assertThrows(PictureException.class, results.get(2 + i)::picture);
-      assertTrue(e.getMessage().matches("\\Q" + e.file() + "\\E: The .*\\Q" + codes[i] + "\\E"));
-      assertEquals(files.get(2 + i), e.file());
-      assertThrows(PictureException.class, () -> Picture.at(e.file()).tag("color"));
-      assertThrows(PictureException.class, () -> Picture.at(e.file()).blob("", ""));
-      assertThrows(PictureException.class, () -> Picture.at(e.file()).write(NEW));
+    for (String other : List.of(".lumigram-abcdefgh.png", "photo.bmp")) {
+      Files.write(new File(pictures, other).toPath(), new byte[9]);
+    }
+    List<ReadResult> results = Picture.readFolder(pictures);
+    assertEquals(rows.length + 1, results.size());
+    assertEquals(RICH, results.get(rows.length).picture().info());
+    for (int i = 0; i < rows.length; i++) {
+      fails(new File(pictures, rows[i][0]), rows[i][2], results.get(i).failure());
+    }
+    fails(new File("missing.gif"), "no such file (MISSING, 11)", null);
+    fails(new File("photo.bmp"), "that could be read (UNSUPPORTED_TYPE, -21)", null);
+    String[][] folders = {{"missing", "no such folder (MISSING, 11)"}, {"h.jpg", "(NOT_A_FOLDER, 18)"}};
+    for (String[] row : folders) {
+      File folder = new File(pictures, row[0]);
+      PictureException e =
+          assertThrows(PictureException.class, () -> Picture.readFolder(folder), row[0]);
+      assertTrue(e.getMessage().contains(row[1]), e.getMessage());
     }
     assertEquals(List.of(), Picture.read(picture("jpg")).tag("color"));
+  }
+
+  /** Every way to use a file fails with these words. */
+  static void fails(File file, String words, PictureException failure) {
+    Executable[] ways = {() -> Picture.readAll(List.of(file)).get(0).picture(),
+        () -> Picture.at(file).tag("color"), () -> Picture.at(file).blob("", ""),
+        () -> Picture.at(file).write(NEW.withTag("t", "file://THIS/x"))};
+    for (Executable way : ways) {
+      PictureException e = assertThrows(PictureException.class, way, file.getName());
+      assertTrue(e.getMessage().endsWith(words), e::getMessage);
+      assertEquals(file, e.file());
+      assertTrue(failure == null || failure.getMessage().equals(e.getMessage()), e::getMessage);
+    }
   }
 
   @Test
@@ -246,7 +329,7 @@ class PictureTest {
     for (Thread thread : threads) thread.join();
     assertEquals(1200, results.size());
     for (ReadResult read : results) {
-      assertEquals(RICH.toString(), read.picture().info().toString());
+      assertEquals(RICH, read.picture().info());
     }
   }
 
@@ -269,7 +352,7 @@ class PictureTest {
     byte[] results = new byte[8];
     assertEquals(0, getLumigramAttrInfo(paths, objects, results));
     assertArrayEquals(new byte[] {-99, -99, 0, -99, -99, -99, -99, 0}, results);
-    assertEquals(96, Collections.frequency(Arrays.asList(last.mTagsName), ""));
+    assertEquals(95, Collections.frequency(Arrays.asList(last.mTagsName), ""));
     assertEquals(-99, setLumigramAttrInfo(full, last));
   }
 }

@@ -30,8 +30,9 @@ public final class LumigramJni {
    * Reads the metadata of a batch of pictures. File i is read into {@code attrs[i]} and its status
    * goes into {@code results[i]}; as many files are processed as the shortest of the three arrays
    * has elements, and the rest of the longer ones is not touched. A file that cannot be read never
-   * stops the batch. No picture is changed. While a file is empty, the call waits for it, up to
-   * five seconds.
+   * stops the batch. No picture is changed. For each file that is empty, or whose size cannot be
+   * had, the call waits up to five seconds: an empty file, a folder, most devices, a file over
+   * 2,147,483,647 bytes. A pipe is waited for until it has a writer.
    *
    * <p>The attribute objects are {@link LumigramAttrInfo}s, or objects of any class with fields of
    * the same names and types. For each file, these fields are stored in this order:
@@ -110,7 +111,8 @@ public final class LumigramJni {
   /**
    * Looks up one tag group of one picture: the contents of its first ten elements of exactly that
    * name, in document order. The list ends before an element that is empty or over 1,024 bytes. The
-   * picture is only read. When the file is empty, the call waits for it, one second.
+   * picture is only read. When the file is empty, the call waits for it, one second; a pipe is waited for
+   * until it has a writer.
    *
    * @param path the picture's path
    * @param tagName the group's name, at most 255 bytes of UTF-8
