@@ -16,9 +16,8 @@ namespace {
 
 constexpr size_t kMaxBlobName = 255;  // the largest size of a GIF sub-block
 
-// Keeps the spelling of texts that the picture has already, and spells others as Java does. If a
-// picture has two spellings of one text, they are used in stored order, so that an unchanged list
-// stays the same.
+// Gives a text the spelling that the picture has for it already. If a picture has two spellings of
+// one text, they are used in stored order, so that an unchanged list stays the same.
 class Speller {
  public:
   explicit Speller(const Picture& picture) {
@@ -32,8 +31,8 @@ class Speller {
   }
 
   std::string operator()(const std::string& text) {
-    const auto found = spellings_.find(text);
-    if (found == spellings_.end()) return ToJava(text);
+    const auto found = spellings_.find(ToUtf8(text));
+    if (found == spellings_.end() || !IsJavaSpelling(text)) return text;
     std::string spelling = found->second.front();
     if (found->second.size() > 1) found->second.pop_front();
     return spelling;
@@ -43,16 +42,16 @@ class Speller {
   std::map<std::string, std::deque<std::string>> spellings_;
 };
 
-// Replaces a stored text, unless only its spelling would change.
+// Replaces a stored text, unless it is the same in another spelling.
 void Assign(const std::string& text, Speller& spell, std::string* stored) {
   const std::string spelling = spell(text);
-  if (ToUtf8(*stored) != text) *stored = spelling;
+  if (ToUtf8(*stored) != ToUtf8(text) || !IsJavaSpelling(text)) *stored = spelling;
 }
 
 void ApplyLabel(const Changes::LabelChange& change, Speller& spell, Document* document) {
   auto& labels = document->labels;
   auto label = std::find_if(labels.begin(), labels.end(), [&change](const Label& candidate) {
-    return ToUtf8(candidate.name) == change.name;
+    return ToUtf8(candidate.name) == ToUtf8(change.name);
   });
   if (label == labels.end()) label = labels.insert(label, {spell(change.name), "", ""});
   if (change.note) Assign(*change.note, spell, &label->note);
@@ -62,7 +61,7 @@ void ApplyLabel(const Changes::LabelChange& change, Speller& spell, Document* do
 // Replaces all tags of one name by the changes of that name, in the place of the first old one.
 void ApplyTagGroup(const std::string& name, const std::vector<Tag>& changes, Speller& spell,
                    std::vector<Tag>* tags) {
-  const auto isNamed = [&name](const Tag& tag) { return ToUtf8(tag.name) == name; };
+  const auto isNamed = [&name](const Tag& tag) { return ToUtf8(tag.name) == ToUtf8(name); };
   const auto first = std::find_if(tags->begin(), tags->end(), isNamed);
   const std::string storedName = first == tags->end() ? spell(name) : first->name;
   std::vector<Tag> group;
@@ -90,10 +89,6 @@ bool TakeField(std::string_view* words, std::string* field) {
 }
 
 }  // namespace
-
-bool Changes::Empty() const {
-  return !allLabels && !allTags && !category && !type && labels.empty() && tags.empty();
-}
 
 Document Apply(const Changes& changes, const Document& document, const Picture& picture) {
   Document result = document;
@@ -126,7 +121,7 @@ Document Apply(const Changes& changes, const Document& document, const Picture& 
 
 std::string ParseText(std::string_view words) {
   if (!IsValidText(words)) throw Failure(kBadArgument, "this is not valid text");
-  return ToUtf8(words);
+  return ToJava(words);
 }
 
 Changes::LabelChange ParseLabel(std::string_view words) {
@@ -183,7 +178,7 @@ Tag EmbedFile(const std::string& tagName, const std::string& label, const std::s
   } catch (const Failure& failure) {
     throw Failure(kBadBlob, Quoted(file) + ": " + failure.what());
   }
-  const std::string content = ToUtf8(std::string(kThisPicture) + blob.name);
+  const std::string content = std::string(kThisPicture) + blob.name;
   return {tagName, content, std::make_shared<const NewBlob>(std::move(blob))};
 }
 

@@ -12,12 +12,15 @@
 
 namespace lumigram::cli {
 
-// The texts are in standard UTF-8. Metadata without a change stay the same.
+// The texts are as they are stored. One in Java's spelling takes the spelling that the picture has
+// for it; one in another spelling, or with bytes that are no character, is meant byte for byte.
+// Metadata without a change stay the same.
 struct Changes {
   // Note and part change only when they are given.
   struct LabelChange {
     std::string name;
     std::optional<std::string> note, part;
+    bool operator==(const LabelChange&) const = default;
   };
 
   std::optional<std::vector<Label>> allLabels;
@@ -27,11 +30,12 @@ struct Changes {
   // The tags of one name replace all tags of that name; an empty content only removes them.
   std::vector<Tag> tags;
 
-  bool Empty() const;
+  bool operator==(const Changes&) const = default;
+  bool Empty() const { return *this == Changes(); }
 };
 
 // Returns the changed document. The document may be the whole document of the picture or another
-// one. Texts that the picture has already keep their spelling; new ones are spelled as Java does.
+// one.
 Document Apply(const Changes& changes, const Document& document, const Picture& picture);
 
 // These functions parse words of a command line. They throw Failure.

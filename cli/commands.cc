@@ -4,15 +4,15 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
-#include <sys/stat.h>
 
 #include <functional>
 #include <memory>
-#include <set>
+#include <new>
 #include <utility>
 #include <vector>
 
 #include "cli/batch.h"
+#include "cli/change_file.h"
 #include "cli/changes.h"
 #include "cli/json.h"
 #include "cli/spelling.h"
@@ -104,56 +104,7 @@ Changes ParseChanges(const Options& options) {
   return changes;
 }
 
-std::string ReadAll(const Options& options) {
-  const bool fromInput = options.from == "-";
-  const ScopedFile opened(fromInput ? nullptr : fopen(options.from.c_str(), "rbe"));
-  FILE* const input = fromInput ? stdin : opened.get();
-  std::string text;
-  char block[4096];
-  if (input != nullptr) {
-    while (const size_t size = fread(block, 1, sizeof block, input)) text.append(block, size);
-  }
-  if (input != nullptr && !ferror(input)) return text;
-  throw UsageError(options.Source() + ": " + strerror(errno));
-}
-
-std::vector<JsonEntry> ReadEntries(const Options& options) {
-  try {
-    return ParseJson(ReadAll(options));
-  } catch (const Failure& failure) {
-    throw UsageError(options.Source() + ": " + failure.what());
-  }
-}
-
-// The pictures that the objects of a file name.
-class EntryTargets : public Targets {
- public:
-  EntryTargets(const std::vector<JsonEntry>& entries, const std::string& source) {
-    std::set<std::pair<dev_t, ino_t>> seen;
-    for (const JsonEntry& entry : entries) {
-      if (entry.path.empty()) {
-        throw UsageError(source + ": " + entry.place + ": expected a member \"path\"");
-      }
-      struct stat status;
-      if (stat(entry.path.c_str(), &status) == 0 &&
-          !seen.insert({status.st_dev, status.st_ino}).second) {
-        throw UsageError(source + ": " + entry.place +
-                         "/path: expected each picture once, found it again");
-      }
-      targets_.push_back(FileTarget(entry.path));
-      targets_.back().changes = std::make_shared<const Changes>(entry.changes);
-    }
-  }
-
-  std::optional<Target> Next() override {
-    return next_ == targets_.size() ? std::nullopt : std::optional(targets_[next_++]);
-  }
-  size_t Count(const std::stop_token&) override { return targets_.size(); }
-
- private:
-  std::vector<Target> targets_;
-  size_t next_ = 0;
-};
+// ---- set --from ---------------------------------------------------------------------------------
 
 // The changes of the command line are applied after those of the file.
 void AddOptions(const Changes& named, Changes* changes) {
@@ -162,6 +113,53 @@ void AddOptions(const Changes& named, Changes* changes) {
   if (named.category) changes->category = named.category;
   if (named.type) changes->type = named.type;
 }
+
+// The pictures that the objects of a file name.
+class EntryTargets : public Targets {
+ public:
+  EntryTargets(const Options& options, Changes named)
+      : source_(options.Source()),
+        named_(std::move(named)),
+        file_(options.from, options.filesAnywhere, options.paths.empty()) {}
+
+  std::optional<Target> Next() override {
+    try {
+      auto entry = file_.Next();
+      if (!entry) return std::nullopt;
+      AddOptions(named_, &entry->changes);
+      Target target = FileTarget(entry->path);
+      target.changes = std::make_shared<const Changes>(std::move(entry->changes));
+      return target;
+    } catch (const Failure& failure) {
+      return Target{source_, failure};
+    }
+  }
+  size_t Count(const std::stop_token&) override { return file_.Count(); }
+
+ private:
+  const std::string source_;
+  const Changes named_;
+  ChangeFile file_;
+};
+
+std::unique_ptr<Targets> OpenChangeFile(const Options& options, const Changes& named) {
+  try {
+    return std::make_unique<EntryTargets>(options, named);
+  } catch (const Failure& failure) {
+    throw UsageError(options.Source() + ": " + failure.what());
+  } catch (const std::bad_alloc&) {
+    throw UsageError(options.Source() + ": no memory");
+  }
+}
+
+// The changes of the only object.
+Changes OnlyChanges(const Options& options, Targets* objects) {
+  const auto target = objects->Next();
+  if (target && target->changes) return *target->changes;
+  throw UsageError(options.Source() + ": the file has changed while it was read");
+}
+
+// ---- extract ------------------------------------------------------------------------------------
 
 const Blob& FindBlob(const Picture& picture, const Options& options) {
   for (const Blob& blob : picture.blobs) {
@@ -200,18 +198,12 @@ int Set(const Options& options, Console* console) {
     if (named.Empty() && !options.rewrite.replace) throw UsageError("set: nothing to change");
     if (options.paths.empty()) throw UsageError("set: PATHS are missing");
   } else {
-    std::vector<JsonEntry> entries = ReadEntries(options);
-    for (JsonEntry& entry : entries) AddOptions(named, &entry.changes);
-    if (options.paths.empty()) {
-      targets = std::make_unique<EntryTargets>(entries, options.Source());
-    } else if (entries.size() == 1) {
-      named = entries.front().changes;
-    } else {
-      throw UsageError(options.Source() + ": expected one object for the paths given, found " +
-                       std::to_string(entries.size()));
-    }
+    targets = OpenChangeFile(options, named);
   }
-  if (!targets) targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
+  if (!options.paths.empty()) {
+    if (targets) named = OnlyChanges(options, targets.get());
+    targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
+  }
   const auto set = [&](const Target& target, const Picture& picture) {
     const Changes& changes = target.changes ? *target.changes : named;
     return SetPicture(picture, changes, options.rewrite);
@@ -274,7 +266,7 @@ int Check(const Options& options, Console* console) {
     Outcome outcome = {Outcome::kFine, ""};
     const Picture picture = ReadPicture(target.path);
     for (const Finding& finding : picture.reading.findings) {
-      constexpr const char* kKinds[] = {"note", "not read", "not kept"};
+      constexpr const char* kKinds[] = {"note", "missing", "not read", "not kept"};
       outcome.output +=
           Printable(target.path + ": " + kKinds[finding.severity] + ": " + finding.text);
       if (finding.severity != Finding::kNote) {

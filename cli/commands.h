@@ -27,6 +27,7 @@ struct Options {
   std::string name, label, picture, output, from;
   std::vector<std::string> labels, tags, embeds;
   std::optional<std::string> category, type;
+  bool filesAnywhere = false;
   RewriteOptions rewrite;
 
   std::string Source() const { return from == "-" ? "standard input" : from; }

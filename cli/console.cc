@@ -148,7 +148,9 @@ std::string Console::Aligned(const std::vector<Row>& rows) const {
 std::string Console::Describe(const std::string& path, const Picture& picture) const {
   std::vector<Row> rows = Rows(picture);
   for (const Finding& finding : picture.reading.findings) {
-    if (finding.severity != Finding::kNote) rows.push_back({"unread", Shown(finding.text)});
+    if (finding.severity == Finding::kNote) continue;
+    const char* const kind = finding.severity == Finding::kMissing ? "missing" : "unread";
+    rows.push_back({kind, Shown(finding.text)});
   }
   std::vector<std::string> fields = PictureFields(picture);
   if (fields.back().empty()) fields.pop_back();

@@ -21,6 +21,7 @@ struct NewBlob {
   std::string name;   // in the picture
   std::string path;   // with a "/", which a record requires
   std::string bytes;
+  bool operator==(const NewBlob&) const = default;
 };
 
 struct Label {
@@ -31,7 +32,11 @@ struct Label {
 struct Tag {
   std::string name, content;
   std::shared_ptr<const NewBlob> blob;  // to be embedded; null: none
-  bool operator==(const Tag&) const = default;
+
+  bool operator==(const Tag& other) const {
+    const bool isSameBlob = blob && other.blob ? *blob == *other.blob : blob == other.blob;
+    return isSameBlob && name == other.name && content == other.content;
+  }
 };
 
 // The texts have their stored spelling.
@@ -45,6 +50,7 @@ struct Document {
 struct Finding {
   enum Severity {
     kNote,     // nothing is lost
+    kMissing,  // a tag refers to it, and it is not in the picture
     kUnread,   // a reader does not deliver it
     kDropped,  // every rewrite of the picture drops it
   };

@@ -181,6 +181,8 @@ class CommandLine {
         ->type_name("LABEL:TAG=FILE");
     AddText(app, "--from", &options_.from, "Read the changes from JSON; - for standard input")
         ->type_name("FILE");
+    app->add_flag("--files-anywhere", options_.filesAnywhere,
+                  "With --from, embed files from outside of the folder of the JSON");
     app->add_flag("--replace", options_.rewrite.replace, "Start from an empty document");
     AddRewriting(app);
     AddPaths(app);

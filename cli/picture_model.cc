@@ -19,28 +19,23 @@ void TakeDocument(const std::vector<char>& buffer, Reading* reading) {
   }
 }
 
-bool IsSpelledOtherwise(const std::string& stored) { return ToJava(ToUtf8(stored)) != stored; }
-
 void FindInBlobs(const Picture& picture, Reading* reading) {
   for (const Blob& blob : picture.blobs) {
     const std::string which = "blob " + Quoted(blob.name);
     if (!IsReferredTo(blob, reading->whole)) {
       reading->Add(Finding::kUnread, kBadBlob, "no tag refers to " + which);
     }
-    if (IsSpelledOtherwise(blob.name)) {
+    if (!IsJavaSpelling(blob.name)) {
       reading->Add(Finding::kNote, kOk, which + " has a spelling that Java does not find");
     }
   }
   for (const Tag& tag : reading->whole.tags) {
     const std::string which = "tag " + Quoted(tag.name);
-    const auto isMeant = [&tag](const Blob& blob) {
-      return Keeps(BlobName(tag.content), blob.name);
-    };
-    if (RefersToThisPicture(tag.content) &&
-        std::none_of(picture.blobs.begin(), picture.blobs.end(), isMeant)) {
-      reading->Add(Finding::kNote, kOk, which + " refers to a blob that does not exist");
+    if (IsWithoutBlob(tag, picture.blobs)) {
+      reading->Add(Finding::kMissing, kBadBlob,
+                   which + " refers to a blob that is not in the picture");
     }
-    if (IsSpelledOtherwise(tag.name)) {
+    if (!IsJavaSpelling(tag.name)) {
       reading->Add(Finding::kNote, kOk, which + " has a spelling that Java does not look up");
     }
   }
@@ -136,6 +131,12 @@ bool IsReferredTo(const Blob& blob, const Document& document) {
     return tag.blob == nullptr && RefersToThisPicture(tag.content) &&
            Keeps(BlobName(tag.content), blob.name);
   });
+}
+
+bool IsWithoutBlob(const Tag& tag, const std::vector<Blob>& blobs) {
+  return tag.blob == nullptr && RefersToThisPicture(tag.content) &&
+         std::none_of(blobs.begin(), blobs.end(),
+                      [&tag](const Blob& blob) { return Keeps(BlobName(tag.content), blob.name); });
 }
 
 }  // namespace lumigram::cli

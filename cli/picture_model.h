@@ -42,6 +42,9 @@ Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes);
 // Whether a tag of the document keeps the blob in the picture when it is rewritten.
 bool IsReferredTo(const Blob& blob, const Document& document);
 
+// Whether the tag refers to a blob that is not among these.
+bool IsWithoutBlob(const Tag& tag, const std::vector<Blob>& blobs);
+
 }  // namespace lumigram::cli
 
 #endif  // LUMIGRAM_CLI_PICTURE_MODEL_H_

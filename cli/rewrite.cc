@@ -17,9 +17,20 @@ namespace {
 
 // ---- checks before writing ----------------------------------------------------------------------
 
+// Returns the first finding that keeps a document from being written; null when there is none.
+// Bytes that are no character are written: they are in a new document only if the changes have them.
+const Finding* FindRefused(const std::vector<Finding>& findings) {
+  const auto isRefused = [](const Finding& finding) {
+    return finding.severity == Finding::kUnread && finding.code != kBadArgument;
+  };
+  const auto found = std::find_if(findings.begin(), findings.end(), isRefused);
+  return found == findings.end() ? nullptr : &*found;
+}
+
 void RequireReadable(const Document& document) {
-  for (const Finding& finding : FindUnread(document)) {
-    if (finding.severity == Finding::kUnread) throw Failure(finding.code, finding.text);
+  const std::vector<Finding> findings = FindUnread(document);
+  if (const Finding* const refused = FindRefused(findings)) {
+    throw Failure(refused->code, refused->text);
   }
 }
 
@@ -99,6 +110,19 @@ std::vector<Blob> WantedBlobs(const Document& document, const std::vector<Blob>&
   return wanted;
 }
 
+// A reference to a blob that is not in the picture is refused, unless the picture has it already.
+void RequireBlobs(const Document& document, const Picture& picture) {
+  const std::vector<Blob> blobs = WantedBlobs(document, picture.blobs);
+  const std::vector<Tag>& old = picture.GetDocument().tags;
+  for (const Tag& tag : document.tags) {
+    const auto isSame = [&tag](const Tag& other) { return other.content == tag.content; };
+    if (!IsWithoutBlob(tag, blobs) || std::any_of(old.begin(), old.end(), isSame)) continue;
+    throw Failure(kBadBlob, "tag " + std::to_string(&tag - document.tags.data() + 1) +
+                                ": the blob " + Quoted(BlobName(tag.content)) +
+                                " is not in the picture");
+  }
+}
+
 // Ignores the order: kept blobs stay in their places, before or after the new ones.
 bool AreSame(std::vector<Blob> a, std::vector<Blob> b) {
   const auto less = [](const Blob& x, const Blob& y) {
@@ -152,7 +176,7 @@ Picture BuildWith(const Picture& source, const Document& document) {
   if (!AreSame(built.blobs, WantedBlobs(document, source.blobs))) {
     throw Failure(kBadBlob, "the new picture would not have the blobs that it should have");
   }
-  if (const Finding* const lost = built.First(Finding::kUnread)) {
+  if (const Finding* const lost = FindRefused(built.reading.findings)) {
     throw Failure(lost->code, "even the new picture would lose something: " + lost->text);
   }
   return built;
@@ -213,6 +237,7 @@ std::optional<Picture> SetPicture(const Picture& picture, const Changes& changes
       throw Failure(kBadBlob, std::string("a ") + picture.KindName() + " picture carries no blobs");
     }
   }
+  RequireBlobs(wanted, picture);
   return UnlessSame(picture, BuildWith(picture, wanted));
 }
 

@@ -56,6 +56,8 @@ std::string ToJava(std::string_view text) {
   return stored;
 }
 
+bool IsJavaSpelling(std::string_view text) { return ToJava(ToUtf8(text)) == text; }
+
 std::string Printable(std::string_view text) {
   std::string printable;
   ForEachCharacter(text, [&](uint32_t code, std::string_view bytes) {
@@ -88,17 +90,17 @@ std::string PrintableJson(std::string_view json) {
   return printable;
 }
 
-std::string Quoted(std::string_view text) {
-  constexpr size_t kShown = 40;
-  std::string quoted = "\"";
-  ForEachCharacter(text, [&](uint32_t, std::string_view bytes) {
-    if (quoted.size() <= kShown)
-      quoted += Printable(bytes);
-    else if (!quoted.ends_with("..."))
-      quoted += "...";
-  });
-  return quoted + "\"";
+std::string Shortened(std::string_view text, size_t limit) {
+  std::string shown;
+  while (!text.empty() && shown.size() < limit) {
+    const size_t size = FirstCharacter(text).size;
+    shown += Printable(text.substr(0, size));
+    text.remove_prefix(size);
+  }
+  return text.empty() ? shown : shown + "...";
 }
+
+std::string Quoted(std::string_view text) { return '"' + Shortened(text) + '"'; }
 
 size_t Columns(std::string_view printable) {
   size_t columns = 0;

@@ -18,6 +18,9 @@ std::string ToUtf8(std::string_view stored);
 // Returns a text in Java's spelling. Every sequence that is no character becomes U+FFFD.
 std::string ToJava(std::string_view text);
 
+// Whether a stored text is spelled as Java does; false for a text with bytes that are no character.
+bool IsJavaSpelling(std::string_view stored);
+
 // Returns a text that can be printed on one line of a terminal: control characters, characters that
 // change the direction of writing, and bytes that are no text appear as \n, \u{202e} and \xff.
 std::string Printable(std::string_view text);
@@ -29,7 +32,8 @@ std::string Escaped(std::string_view text);
 // direction of writing.
 std::string PrintableJson(std::string_view json);
 
-// Returns the beginning of a text, printable and in quotes, for a message.
+// Returns the beginning of a text, printable, for a message; Quoted() puts it in quotes.
+std::string Shortened(std::string_view text, size_t limit = 40);
 std::string Quoted(std::string_view text);
 
 // Returns the columns that a printable text takes on a terminal, where East Asian characters are

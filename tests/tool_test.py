@@ -150,16 +150,73 @@ COMMANDS = [
     ("extract EMJ boing.mid smile.gif -o /dev/full", 1, "!/dev/full: No space left on device (-99)\n"),
     ("extract EMJ boing.mid smile.gif -o none/x", 1, "!none/x: No such file or directory (-99)\n"),
     ("extract EMJ boing.mid smile.gif -o /dev/stdout", 0, "MThd"),
+    ("set --tag s=file://THIS/no.mid smile.gif sun.jpg", 1, '!smile.gif: tag 6: the blob "no.mid" is not in the picture (-99)\n', "2 failed\n"),
+    ("set --embed EMJX:a=out.bin --tag b=file://THIS/out plain.png", 0, "1 written\n"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
     (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters; the limit is 24"),
     ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label must begin with EMJ and have at most 11 bytes\n"),
     ("set --label 'a</name>' star.png", 2, "!the name of label 1 holds </name>, which is markup of the document\n"),
-    (FROM, 2, "[{]", "!standard input: line 1, column 3: "),
-    (FROM, 2, '[{"path": "star.png", "labels": [{"name": "x"}, {"name": 3}]}]', "!/0/labels/1/name: expected a text, found 3\n"),
-    (FROM, 2, '[{"path": "star.png", "category": "x"}, {"category": "c"}]', '!/1: expected a member "path"'),
-    (FROM, 2, '[{"path": "smile.gif", "type": "x"}, {"path": "link.gif"}]', "!/1/path: expected each picture once"),
     (FROM + " plain.png star.png", 0, '{"tags": [{"name": "n", "label": "EMJ1", "file": "out.bin"}]}', "2 written\n"),
 ]
+
+
+# JSON that is refused before anything is done, and why.
+EACH = "expected each picture once, found "
+KNOWN = "path, category, type, labels, tags, format, width, height, pop, size, blobs, findings"
+REFUSED = [
+    ("", "line 1, column 1: syntax error while parsing value - unexpected end of input"),
+    ('\n [{"path": "star.png"}\n, ]', "line 3, column 3: syntax error while parsing value - unexpected ']'"),
+    ('[{"path": "star.png"}', "line 1, column 22: expected a comma or the end of the array, found the end of the file\n"),
+    ('[{"path": "star.png"} {}]', 'line 1, column 23: expected a comma or the end of the array, found "{"\n'),
+    ('[{"path": "star.png"}] ]', 'line 1, column 24: expected the end of the file, found "]"\n'),
+    ('{"path": "star.png"}\0', 'line 1, column 21: expected the end of the file, found "\\u{0}"\n'),
+    ("[] []", "line 1, column 4: expected the end of the file"),
+    ('{"width": 1e999}', "line 1, column 15: number overflow parsing '1e999'\n"),
+    ('{"size": %s}' % ("1" * 400), "line 1, column 409: number overflow parsing '" + "1" * 175 + "...\n"),
+    ('{"type": "\\ud83d"}', "line 1, column 17: syntax error while parsing value - invalid string: surrogate"),
+    ('{"findings": ["%s"]}' % ("x" * 2**24), "line 1, column 16777216: expected an object of at most 16 MiB\n"),
+    ("[3]", f"/0: expected an object with {KNOWN}, found 3\n"),
+    ("[[]]", f"/0: expected an object with {KNOWN}, found an array\n"),
+    ('{"labels": {}}', "/labels: expected an array, found an object\n"),
+    ('{"tags": true}', "/tags: expected an array, found true\n"),
+    ('{"labels": [null]}', "/labels/0: expected an object with name, note, part, found null\n"),
+    ('{"tags": [[]]}', "/tags/0: expected an object with name, content, label, file, found an array\n"),
+    ('{"labels": [{"name": []}]}', "/labels/0/name: expected a text, found an array\n"),
+    ('{"labels": [{"name": {}}]}', "/labels/0/name: expected a text, found an object\n"),
+    ('{"type": {}}', "/type: expected a text, found an object\n"),
+    ('{"type": -7}', "/type: expected a text, found -7\n"),
+    ('[{"path": "sun.jpg"}, {"labels": [{"name": "a"}, {"name": 1.50}]}]', "/1/labels/1/name: expected a text, found 1.50\n"),
+    ('{"a~/b": 1}', f'/a~0~1b: expected one of the members {KNOWN}, found "a~/b"\n'),
+    ('{"labels": [{"content": ""}]}', '/labels/0/content: expected one of the members name, note, part, found "content"\n'),
+    ('{"pop": true, "pop": true}', "/pop: expected each member once, found it again\n"),
+    ('{"tags": [], "tags": []}', "/tags: expected each member once, found it again\n"),
+    ('{"labels": [{"name": "a"}, {"name": "a", "name": "b"}]}', "/labels/1/name: expected each member once, found it again\n"),
+    ('{"labels": [{"note": "n"}]}', '/labels/0: expected a member "name", found an object without it\n'),
+    ('{"labels": [{"name": "n", "part": 22}]}', "/labels/0/part: expected a part of speech, 0 to 21 or its name, found 22\n"),
+    ('{"tags": [{"name": "n"}]}', '/tags/0: expected a member "content", found'),
+    ('[{"type": "x"}]', '/0: expected a member "path", found none\n'),
+    ('{"path": ""}', '/path: expected the name of a file, found ""\n'),
+    ('{"path": "star.png\\u0000"}', '/path: expected a text without NUL, found "star.png\\u{0}"\n'),
+    ('{"pathBase64": "AAAA"}', '/pathBase64: expected base64 of bytes without NUL, found "AAAA"\n'),
+    ('{"typeBase64": "/x=="}', "/typeBase64: expected base64 of"),
+    ('{"typeBase64": "/w"}', "/typeBase64: expected base64 of"),
+    ('{"typeBase64": "/_8="}', "/typeBase64: expected base64 of"),
+    ('{"typeBase64": ""}', "/typeBase64: expected base64 of"),
+    ('{"type": "new", "typeBase64": "/w=="}', '/type: expected the text of "typeBase64" or no such member, found "new"\n'),
+    ('[{"path": "no.gif"}, {"path": "star.png"}, {"path": "no.gif"}]', f"/2/path: {EACH}it again\n"),
+    ('[{"path": "star.png"}, {"path": "hard.png"}, {"path": "hard.png"}]', f"/2/path: {EACH}it again\n"),
+    ('[{"path": "star.png", "type": "x"}, {"path": "hard.png"}]',
+     f'/1/path: {EACH}"hard.png", another name of "star.png", with other changes\n'),
+    ('[{"path": "sun.jpg", "type": "x"}, {"path": "star.png", "type": "x"}, {"path": "./sun.jpg", "type": "y"}]', f'/2/path: {EACH}"./sun.jpg"'),
+]
+EMBED = '{"tags": [{"name": "n", "label": "%s", "file": "%s"}]}'
+REFUSED += [(EMBED % (mark, file), f"/tags/0/file: expected {text}") for mark, file, text in (
+    ("EMJ1", "out.bin\\u0000", 'a text without NUL, found "out.bin\\u{0}"\n'),
+    ("EMJ1", "../outside.bin", 'a file to embed (outside of "'),
+    ("EMJ1", "outlink.bin", 'a file to embed (outside of "'),
+    ("EMJ1", "nope", 'a file to embed (No such file or directory), found "nope"\n'),
+    ("EMJ1", "empty.gif", 'a file to embed ("empty.gif": empty file), '),
+    ("XYZ", "out.bin", "a file to embed (a blob's label must begin with EMJ"))]
 
 
 def prepare(folder):
@@ -178,7 +235,8 @@ def prepare(folder):
     for target, link in (("..", "up"), ("CLASSIC.GIF", "a.gif"), ("../wink.gif", "w.gif"), ("nothing", "z.png")):
         os.symlink(target, f"[sub]/{link}")
     os.link("star.png", "hard.png")
-    for name, data in (("empty.gif", b""), ("out.bin", b"some bytes"), ("classic.gif~", b"old"), ("-dash.png", b""),
+    os.symlink("../outside.bin", "outlink.bin")
+    for name, data in (("../outside.bin", b"secret"), ("empty.gif", b""), ("out.bin", b"some bytes"), ("classic.gif~", b"old"), ("-dash.png", b""),
                        ("fake.gif", pathlib.Path("wide.png").read_bytes())):
         pathlib.Path(name).write_bytes(data)
 
@@ -191,6 +249,42 @@ def test_commands(folder):
         missing = [text for text in expected if text.lstrip("!") not in (err if text[0] == "!" else out)]
         report(command[:100], got != status and f"status {got}", status == 2 and err.count("\n") != 1 and "not one line", missing and f"no {missing} in:\n{out}{err}",
                " written" not in out and contents() != before and "files have changed")
+
+
+def test_refused_json(folder):
+    prepare(folder)
+    before = contents()
+    for text, message in REFUSED:
+        got = run("set --category c --from -", text)
+        fine = got[:2] == (2, "") and got[2].startswith("lumigram: standard input: " + message) and got[2].count("\n") == 1 and len(got[2]) < 300
+        report(f"refused: {text[:80]!r}", not fine and str(got)[:400])
+    report("refused JSON changes nothing", contents() != before)
+
+
+def test_from(folder):
+    prepare(folder)
+    os.mkdir("pack")
+    edit = pathlib.Path("pack/edit.json")
+    edit.write_text('[{"path": "star.png", "type": "x"}, {"path": "hard.png", "type": "x"}, {"path": "link.gif", "category": ""}]')
+    report("two names of one picture", run("set -n --from pack/edit.json")[1].count("type\tx\n") != 1, run("set --type y --from pack/edit.json")[1] != "2 written\n",
+           run("set --from pack/edit.json hard.png")[2] != "lumigram: pack/edit.json: expected one object for the paths given, found 3\n")
+    edit.write_text(EMBED % ("EMJ1", "out.bin"))
+    report("files below the folder of the JSON", f'(outside of "{folder}/pack"' not in run("set --from pack/edit.json plain.png")[2].replace("...", '"'),
+           run("set --from [sub]/../pack/edit.json --files-anywhere plain.png")[1] != "1 written\n",
+           run("set --from - plain.png", EMBED % ("EMJ1", "[sub]/../[sub]/boing.mid"))[1] != "1 written\n", run("extract EMJ1 boing.mid plain.png")[1][:4] != "MThd")
+    report("no JSON", run("set --from no.json")[2] != "lumigram: no.json: No such file or directory\n", run("set --from .")[2] != "lumigram: .: Is a directory\n",
+           run("set --from -", " [ ]\n") != (0, "0 written\n", ""))
+    name = os.fsdecode(b"n\xff\xed\xa0\xbd\xed\xb8\x80.png")
+    body = b"<label><name>\xed\xa0\x80a</name><note>\xc3b</note></label><category>c\xf5</category><type>\xc0\xaf</type><tags name=\"\x80\">\xe2\x98</tags>"
+    pathlib.Path(name).write_bytes(png(body, blob(b"EMJ\xfb", b"b\xfe")))
+    pack = run(["show", "--json", name])[1]
+    [shown] = json.loads(pack)
+    report("bytes that are no text are shown", shown["path"] != "n\ufffd😀.png" or shown["pathBase64"] != "bv/toL3tuIAucG5n", shown["category"] != "c\ufffd" or shown["categoryBase64"] != "Y/U=",
+           shown["blobs"] != [{"label": "EMJ\ufffd", "labelBase64": "RU1K+w==", "name": "b\ufffd", "nameBase64": "Yv4=", "size": 4}])
+    unchanged = run("set --from -", pack)
+    shutil.copy("plain.png", name)
+    restored = run("set --from -", pack)
+    report("bytes that are no text come back", unchanged[1] != "0 written, 1 unchanged\n" and unchanged, restored[1] != "1 written\n" and restored, body not in pathlib.Path(name).read_bytes())
 
 
 def test_losing(folder):
@@ -397,7 +491,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
