@@ -11,7 +11,8 @@ target_include_directories(LumigramJniNative INTERFACE
 install(TARGETS LumigramJniNative EXPORT lumigram DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/include/lumigram.h TYPE INCLUDE)
 if(TARGET lumigram_jar)
-  install(FILES ${PROJECT_BINARY_DIR}/lumigram.jar DESTINATION ${CMAKE_INSTALL_DATADIR}/java)
+  # The classes alone: the library is installed beside them.
+  install(FILES ${PROJECT_BINARY_DIR}/lumigram-classes.jar DESTINATION ${CMAKE_INSTALL_DATADIR}/java RENAME lumigram.jar)
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/lumigram)

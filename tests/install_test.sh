@@ -49,14 +49,10 @@ same "the parts of speech of Java" "$parts" "$(sed -nE 's/^  ([A-Z_]+)\("(.+)"\)
 same "the parts of speech of the manual page" "$parts" \
   "$(sed -e '/^\.SH PARTS/,/^\.fi/!d' -e 's/\\-/-/g' "$root/docs/lumigram.1" | awk '/^ *[0-9]/ { print $1, $3, $2 }')"
 
-# Without the native library, the Java error names the attempt, the reason and both ways to set the path.
-cd "$work" && cat >A.java <<<'class A { public static void main(String[] a) { lumigram.jni.LumigramJni.getLumigramTagInfo(null, null, null); } }'
-for tried in "-Dlumigram.library.path=no/lib.so System.load(\"$work/no/lib.so\"): Can't load" \
-    '-Djava.library.path=no System.loadLibrary("LumigramJniNative"): no LumigramJniNative in'; do
-  said=("${tried#* }" "set the system property lumigram.library.path to" "in a folder of java.library.path, which is now")
-  same "reports why the library is not loaded: ${tried%% *}" "$(printf '%s\n' "${said[@]}" | sort)" \
-    "$(java "${tried%% *}" -cp "$tree/share/java/lumigram.jar" A.java 2>&1 | grep -oF "$(printf '%s\n' "${said[@]}")" | sort)"
-done
+# The README's example runs as it is there.
+cd "$work" && mkdir build && ln -s "$build" build/release && cp "$root/samples/heart.png" picture.png
+awk '/^```/ { if (inside) exit; inside = 1; next } inside' "$root/README.md" >Try.java
+same "the README's example" $'ハート\nlove ❤' "$(bash -c "$(grep -m 1 '^ *java ' "$root/README.md")" 2>&1)"
 
 cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb)
 pom_version=$(sed -n 's/^  <version>\(.*\)<.*/\1/p' "$root/java/pom.xml")

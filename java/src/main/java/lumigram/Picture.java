@@ -24,8 +24,9 @@ import lumigram.jni.LumigramFiles;
  * changes of others: see {@link #write}. It may be used from any thread.
  *
  * <p>The first use loads the native library: the file that the system property {@code
- * lumigram.library.path} names, or, when it is not set, the one on {@code java.library.path}. When
- * that fails, an {@link UnsatisfiedLinkError} reports what was tried.
+ * lumigram.library.path} names; when it is not set, the library in the jar, if there is one for this
+ * machine; otherwise the one on {@code java.library.path}. When that fails, an {@link
+ * UnsatisfiedLinkError} reports what was tried.
  */
 public final class Picture {
   private static final int CHUNK = 256;

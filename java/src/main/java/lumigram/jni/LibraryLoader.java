@@ -1,6 +1,7 @@
 package lumigram.jni;
 
 import java.io.File;
+import java.io.IOException;
 
 /**
  * Loads the native library, once: the classes with native methods call {@link #load} when they are
@@ -13,6 +14,8 @@ final class LibraryLoader {
 
   private static final String LIBRARY = "LumigramJniNative";
 
+  private static final boolean IS_ANDROID = "Dalvik".equals(System.getProperty("java.vm.name"));
+
   private static boolean isLoaded;
 
   private LibraryLoader() {}
@@ -23,10 +26,17 @@ final class LibraryLoader {
       return;
     }
     String path = System.getProperty(PATH_PROPERTY);
-    if (path == null) {
-      loadByName();
-    } else {
+    if (path != null) {
       loadFile(new File(path).getAbsolutePath());
+    } else if (IS_ANDROID) {
+      loadByName("");
+    } else {
+      BundledLibrary bundled = new BundledLibrary(System.mapLibraryName(LIBRARY));
+      if (bundled.exists()) {
+        loadBundled(bundled);
+      } else {
+        loadByName("The jar has no library for " + bundled.machine() + ". ");
+      }
     }
     isLoaded = true;
   }
@@ -36,17 +46,31 @@ final class LibraryLoader {
     try {
       System.load(file);
     } catch (UnsatisfiedLinkError reason) {
-      throw explained(tried, reason);
+      throw failure("Tried " + tried, reason, "");
     }
     checkVersion(tried);
   }
 
-  private static void loadByName() {
+  private static void loadBundled(BundledLibrary bundled) {
+    String tried = "to load the library for " + bundled.machine() + " from the jar";
+    try {
+      bundled.load();
+    } catch (IOException | UnsatisfiedLinkError reason) {
+      throw failure("Tried " + tried + " through a new folder in java.io.tmpdir", reason,
+          ", or java.io.tmpdir to a folder where you may create files and run programs");
+    }
+    checkVersion("the jar");
+  }
+
+  private static void loadByName(String why) {
     String tried = "System.loadLibrary(\"" + LIBRARY + "\")";
     try {
       System.loadLibrary(LIBRARY);
     } catch (UnsatisfiedLinkError reason) {
-      throw explained(tried, reason);
+      throw failure(why + "Tried " + tried, reason,
+          ", or leave it unset and have " + System.mapLibraryName(LIBRARY)
+              + " in a folder of java.library.path, which is now \""
+              + System.getProperty("java.library.path") + "\"");
     }
     checkVersion(tried);
   }
@@ -54,11 +78,11 @@ final class LibraryLoader {
   /** Classes and library fit when their versions are equal up to the second dot. */
   private static void checkVersion(String loaded) {
     String library = versionOfLibrary();
-    if (!series(library).equals(series(Version.OF_CLASSES))) {
+    if (!series(library).equals(series(Version.ofClasses()))) {
       throw new UnsatisfiedLinkError(String.format(
           "The classes of lumigram have version %s, and the native library that %s has loaded"
               + " has version %s: use the same version of both.",
-          Version.OF_CLASSES, loaded, library));
+          Version.ofClasses(), loaded, library));
     }
   }
 
@@ -78,15 +102,13 @@ final class LibraryLoader {
   /** Returns the version of the library: three numbers with dots between them. */
   private static native String libraryVersion();
 
-  /** Names what was tried, the reason of the failure, and both ways to fix it. */
-  private static UnsatisfiedLinkError explained(String tried, UnsatisfiedLinkError reason) {
-    String message =
-        "The native library of lumigram cannot be loaded. Tried %s: %s. Either set the system"
-        + " property %s to the path of the library's file, or leave it unset and have %s in a"
-        + " folder of java.library.path, which is now \"%s\".";
-    UnsatisfiedLinkError error =
-        new UnsatisfiedLinkError(String.format(message, tried, reason.getMessage(), PATH_PROPERTY,
-            System.mapLibraryName(LIBRARY), System.getProperty("java.library.path")));
+  /** Names what was tried, the reason of the failure, and the ways out. */
+  private static UnsatisfiedLinkError failure(String tried, Throwable reason, String wayOut) {
+    String why = reason instanceof IOException ? reason.toString() : reason.getMessage();
+    UnsatisfiedLinkError error = new UnsatisfiedLinkError(String.format(
+        "The native library of lumigram cannot be loaded. %s: %s. Set the system property"
+            + " %s to the path of the library's file%s.",
+        tried, why, PATH_PROPERTY, wayOut));
     error.initCause(reason);
     return error;
   }

@@ -12,9 +12,10 @@ package lumigram.jni;
  * not let two calls use the same file, array or object at the same time.
  *
  * <p>The class loads the native library when it is first used: the file that the system property
- * {@value #LIBRARY_PATH_PROPERTY} names, or, when it is not set, by {@code
- * System.loadLibrary("LumigramJniNative")}. When that fails, the first use throws an {@link
- * UnsatisfiedLinkError} whose message has the call that failed and the reason.
+ * {@value #LIBRARY_PATH_PROPERTY} names; when it is not set, the library in the jar, if there is
+ * one for this machine; otherwise by {@code System.loadLibrary("LumigramJniNative")}. When that
+ * fails, the first use throws an {@link UnsatisfiedLinkError} whose message has what was tried, the
+ * reason and the ways out.
  */
 public final class LumigramJni {
   /** The name of the system property that may hold the path of the native library's file. */

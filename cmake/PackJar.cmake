@@ -1,0 +1,26 @@
+# Packs the files of some folders into a jar. The same files give the same bytes: entries are sorted by name and have one fixed
+# time, if the JDK's jar can set it (17.0.3 and later).
+# Usage: cmake -DJAR=TOOL -DOUTPUT=FILE.jar [-DMANIFEST=FILE] "-DFOLDERS=FOLDER;..." -P cmake/PackJar.cmake
+execute_process(COMMAND ${JAR} --help OUTPUT_VARIABLE help)
+set(options --create --file ${OUTPUT})
+if(help MATCHES "--date")
+  list(APPEND options --date 2000-01-01T00:00:00Z)
+endif()
+if(MANIFEST)
+  list(APPEND options --manifest ${MANIFEST})
+else()
+  list(APPEND options --no-manifest)
+endif()
+
+foreach(folder ${FOLDERS})
+  file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE ${folder} ${folder}/*)
+  foreach(file ${files})
+    list(APPEND entries "${file}|-C \"${folder}\" \"${file}\"\n")
+  endforeach()
+endforeach()
+list(SORT entries)
+list(TRANSFORM entries REPLACE "^[^|]*\\|" "")
+string(JOIN "" entries ${entries})
+file(WRITE ${OUTPUT}.files "${entries}")
+execute_process(COMMAND ${JAR} ${options} @${OUTPUT}.files COMMAND_ERROR_IS_FATAL ANY)
+file(REMOVE ${OUTPUT}.files)
