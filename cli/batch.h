@@ -14,7 +14,7 @@ namespace lumigram::cli {
 
 // The result for one picture, and the text to print.
 struct Outcome {
-  enum Type { kFine, kLosing, kWritten, kUnchanged, kFailed, kTypes };
+  enum Type { kFine, kLosing, kWritten, kUnchanged, kNotFound, kFailed, kTypes };
   Type type;
   std::string output;
 };

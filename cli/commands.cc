@@ -24,17 +24,6 @@ namespace {
 
 // ---- running over pictures ----------------------------------------------------------------------
 
-int ExitStatusOf(const Tally& tally, Console* console) {
-  if (tally.signal != 0) {
-    const std::string of = tally.total == 0 ? "" : " of " + std::to_string(tally.total);
-    console->Complain("interrupted: " + std::to_string(tally.Finished()) + of +
-                      " pictures are done");
-    return kSignalled + tally.signal;
-  }
-  return tally.counts[Outcome::kFailed] + tally.counts[Outcome::kLosing] == 0 ? kAllWell
-                                                                              : kSomeFailed;
-}
-
 void PrintTally(const Tally& tally, const std::vector<std::pair<Outcome::Type, const char*>>& words,
                 Console* console) {
   std::string line;
@@ -172,6 +161,17 @@ const Blob& FindBlob(const Picture& picture, const Options& options) {
 }
 
 }  // namespace
+
+int ExitStatusOf(const Tally& tally, Console* console) {
+  if (tally.signal != 0) {
+    const std::string of = tally.total == 0 ? "" : " of " + std::to_string(tally.total);
+    console->Complain("interrupted: " + std::to_string(tally.Finished()) + of +
+                      " pictures are done");
+    return kSignalled + tally.signal;
+  }
+  return tally.counts[Outcome::kFailed] + tally.counts[Outcome::kLosing] == 0 ? kAllWell
+                                                                              : kSomeFailed;
+}
 
 int Show(const Options& options, Console* console) {
   const auto toJson = [console](const Target& target, const Picture& picture) {

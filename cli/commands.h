@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "cli/batch.h"
 #include "cli/console.h"
+#include "cli/find.h"
 #include "cli/rewrite.h"
 
 namespace lumigram::cli {
@@ -29,6 +31,7 @@ struct Options {
   std::optional<std::string> category, type;
   bool filesAnywhere = false;
   RewriteOptions rewrite;
+  FindOptions find;
 
   std::string Source() const { return from == "-" ? "standard input" : from; }
 };
@@ -40,6 +43,9 @@ int ShowTag(const Options& options, Console* console);
 int Extract(const Options& options, Console* console);
 int Check(const Options& options, Console* console);
 int Clear(const Options& options, Console* console);
+
+// The exit status after a run over pictures. Reports an interruption.
+int ExitStatusOf(const Tally& tally, Console* console);
 
 }  // namespace lumigram::cli
 

@@ -19,6 +19,9 @@
 namespace lumigram::cli {
 namespace {
 
+// The exit status when a command cannot go on.
+int statusOfFailure = kSomeFailed;
+
 constexpr char kAbout[] =
     "Shows and changes the metadata of small emoji pictures (GIF, PNG, JPEG): labels, category,\n"
     "type, tags and blobs. Exit status: 0 success, 1 some pictures failed, 2 usage error.";
@@ -75,6 +78,7 @@ class CommandLine {
     AddShow();
     AddSet();
     AddTag();
+    AddFind();
     AddExtract();
     AddCheck();
     AddClear();
@@ -90,12 +94,13 @@ class CommandLine {
       return Refuse(Describe(error));
     }
     if (app_.got_subcommand("help")) return PrintHelp();
+    if (command_ == Find) statusOfFailure = kFindFailed;
     Console console;
     try {
       const int status = command_(options_, &console);
       if (fflush(stdout) == 0 && !ferror(stdout)) return status;
       console.Complain("lumigram: standard output cannot be written");
-      return kSomeFailed;
+      return statusOfFailure;
     } catch (const UsageError& error) {
       return Refuse(error.what());
     }
@@ -194,6 +199,35 @@ class CommandLine {
     AddPaths(app)->required();
   }
 
+  void AddFind() {
+    struct Condition {
+      FindOptions::Field field;
+      const char *option, *help, *type;
+    };
+    constexpr Condition kConditions[] = {
+        {FindOptions::kText, "--text", "Any label, note, tag content, category or type", "TEXT"},
+        {FindOptions::kLabel, "--label", "The name of a label", "TEXT"},
+        {FindOptions::kNote, "--note", "The note of a label", "TEXT"},
+        {FindOptions::kPart, "--part", "The part of speech of a label, or its number", "TEXT"},
+        {FindOptions::kCategory, "--category", "The category", "TEXT"},
+        {FindOptions::kType, "--type", "The type", "TEXT"},
+        {FindOptions::kTag, "--tag", "The name of a tag, and its content", "NAME[=TEXT]"},
+        {FindOptions::kBlob, "--blob", "The name of a blob", "TEXT"},
+    };
+    FindOptions& find = options_.find;
+    CLI::App* const app =
+        AddCommand("find", "Print the paths of the pictures that fulfil all conditions", Find);
+    for (const auto& [field, option, help, type] : kConditions) {
+      AddTexts(app, option, &find.texts[field], help)->type_name(type);
+    }
+    app->add_flag("--no-label", find.noLabel, "Pictures without labels");
+    app->add_flag("--no-document", find.noDocument, "Pictures without a document");
+    app->add_flag("--exact", find.exact, "TEXT is the whole text, not a part of it in any case");
+    app->add_flag("--count", find.count, "Print the number of pictures instead of their paths");
+    app->add_flag("-0,--null", find.nul, "End each path with a NUL, for xargs -0");
+    AddPaths(app)->required();
+  }
+
   void AddExtract() {
     CLI::App* const app =
         AddCommand("extract", "Write one blob to a file or standard output", Extract);
@@ -238,7 +272,7 @@ void OpenStandardStreams() {
 [[noreturn]] void EndWithoutMemory() {
   constexpr char kLine[] = "lumigram: no memory\n";
   (void)!write(STDERR_FILENO, kLine, sizeof kLine - 1);
-  _exit(kSomeFailed);
+  _exit(statusOfFailure);
 }
 
 // Runs before the constructors of global objects, which need memory, too.
@@ -252,7 +286,7 @@ int Main(int argc, char** argv) {
   } catch (const std::exception& error) {
     fprintf(stderr, "lumigram: %s\n", error.what());
   }
-  return kSomeFailed;
+  return statusOfFailure;
 }
 
 }  // namespace

@@ -46,6 +46,15 @@ std::string ToUtf8(std::string_view stored) {
   return text;
 }
 
+std::string JoinSurrogates(std::string_view stored) {
+  std::string text;
+  ForEachCharacter(stored, [&](uint32_t code, std::string_view bytes) {
+    constexpr size_t kPairBytes = 6;
+    bytes.size() == kPairBytes ? Append(code, &text) : void(text += bytes);
+  });
+  return text;
+}
+
 std::string ToJava(std::string_view text) {
   std::string stored;
   ForEachCharacter(text, [&](uint32_t code, std::string_view) {

@@ -15,6 +15,10 @@ namespace lumigram::cli {
 // Returns a stored text in standard UTF-8. Every sequence that is no character becomes U+FFFD.
 std::string ToUtf8(std::string_view stored);
 
+// Returns a stored text with each surrogate pair as one four-byte sequence, and without another
+// change: for comparisons.
+std::string JoinSurrogates(std::string_view stored);
+
 // Returns a text in Java's spelling. Every sequence that is no character becomes U+FFFD.
 std::string ToJava(std::string_view text);
 

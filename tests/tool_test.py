@@ -124,6 +124,9 @@ COMMANDS = [
      "plain.png\tpicture", "!cut.png: damaged or truncated picture (-30)\n", "!wide.png: picture over 960 pixels (-31)\n"),
     ("show nope.png README.md fifo.png empty.gif .", 1, "!nope.png: no such file (-20)\n", "!fifo.png: not a regular file (-20)\n", "!empty.gif: empty file (-99)\n",
      "!.: a folder; use -r for the pictures in it (-20)\n"),
+    ("find --type anime -r cut.png [sub]", 2, "[sub]/w.gif\n", "!cut.png: damaged or truncated picture (-30)\n"),
+    ("find -0 --label [ --note '' wink.gif", 1),
+    ("find -0 wink.gif star.png", 0, "wink.gif\0star.png\0"),
     ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
     ("tag color smile.gif", 0, "yellow\n黄色\n"),
     ("show -r [sub]", 0, "\ttag\tcolor\tgold\n[sub]/a.gif\tpicture", "\n[sub]/deep/sun.jpg\tpicture", "\n[sub]/w.gif\tpicture"),
@@ -285,6 +288,28 @@ def test_from(folder):
     shutil.copy("plain.png", name)
     restored = run("set --from -", pack)
     report("bytes that are no text come back", unchanged[1] != "0 written, 1 unchanged\n" and unchanged, restored[1] != "1 written\n" and restored, body not in pathlib.Path(name).read_bytes())
+
+
+# Conditions, and the pictures for which they hold, in the order of FOUND.
+FOUND = "smile.gif wink.gif star.png sun.jpg heart.png classic.gif plain.png nameless.jpg"
+FIND = [
+    ("--text SMILE", "smile.gif"), ("--text 'HAPPY 🎉'", "smile.gif"), ("--label 😀", "smile.gif"), ("--exact --text smile", ""), ("--text sound", ""),
+    ("--text crimson", "heart.png"), ("--exact --text anime", "smile.gif wink.gif"), ("--text 😉 --text wink", "wink.gif"), ("--text weather", "sun.jpg"),
+    ("--exact --label star", "classic.gif"), ("--label shining", ""), ("--exact --note 'a friendly face' --label 笑う", "smile.gif"), ("--note star", ""),
+    ("--part VERB", "smile.gif wink.gif star.png sun.jpg"), ("--exact --part verb", "smile.gif"), ("--part 副詞", "star.png sun.jpg"), ("--part 5", "wink.gif star.png"),
+    ("--exact --part 0", "wink.gif sun.jpg classic.gif"), ("--category symbol --type STILL", "star.png heart.png classic.gif"), ("--category still", ""), ("--type face", ""),
+    ("--exact --category=", "plain.png"), ("--tag COLOR=gold", "classic.gif"), ("--tag moo", "smile.gif star.png"), ("--exact --tag mood=happy", ""),
+    ("--exact --tag color=red --tag color=crimson", "heart.png"), ("--tag =summer", "sun.jpg"), ("--blob .MID", "smile.gif heart.png"), ("--exact --blob motion", ""),
+    ("--no-label", "plain.png nameless.jpg"), ("--no-document", "plain.png"), ("--no-label --type ''", "plain.png nameless.jpg"), ("--count --type still", "5"), ("--count --no-label --label a", "0"),
+]
+
+
+def test_find(folder):
+    prepare(folder)
+    for conditions, expected in FIND:
+        found = run(f"find {conditions} {FOUND}")
+        report(f"find {conditions}", found != (0 if expected.strip("0") else 1, "".join(word + "\n" for word in expected.split()), "") and found)
+    report("find when standard output is full", subprocess.run(f"'{TOOL}' find wink.gif >/dev/full", shell=True, capture_output=True).returncode != 2)
 
 
 def test_losing(folder):
@@ -491,7 +516,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_refused_json, test_from, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_find, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
