@@ -1,8 +1,5 @@
 #include "cli/layout.h"
 
-#include <errno.h>
-#include <string.h>
-
 #include "cli/files.h"
 #include "core/file/blobs.h"
 #include "core/file/extraction.h"
@@ -40,8 +37,7 @@ Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes) {
          {{}, {}, found.position, found.size}});
   };
   Layout layout;
-  const ScopedFile stream = OpenMemory(bytes);
-  ByteSource source(stream.get());
+  ByteSource source{bytes};
   if (SurveyPicture(source, kind, &layout.survey, {collect, &places}) != kOk) {
     throw Failure(kMalformed, "the structure of this picture is damaged");
   }
@@ -50,13 +46,6 @@ Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes) {
     layout.blobs.push_back(std::move(place.blob));
   }
   return layout;
-}
-
-ScopedFile OpenMemory(const std::vector<uint8_t>& bytes) {
-  // Opened for reading only: nothing is written through the pointer.
-  ScopedFile stream(fmemopen(const_cast<uint8_t*>(bytes.data()), bytes.size(), "rb"));
-  if (stream == nullptr) throw Failure(kNoRoom, strerror(errno));
-  return stream;
 }
 
 }  // namespace lumigram::cli

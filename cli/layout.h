@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "core/base/kind.h"
-#include "core/base/scoped.h"
 #include "core/document/survey.h"
 
 namespace lumigram::cli {
@@ -25,9 +24,6 @@ struct Layout {
 
 // Surveys a picture that its reader has accepted, and copies its blobs. Throws Failure.
 Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes);
-
-// The bytes as a stream, for the functions of the core. They must outlive it. Throws Failure.
-ScopedFile OpenMemory(const std::vector<uint8_t>& bytes);
 
 }  // namespace lumigram::cli
 

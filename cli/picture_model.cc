@@ -109,10 +109,10 @@ Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes) {
   Picture picture;
   picture.kind = kind;
   picture.bytes = std::move(bytes);
-  const ScopedFile stream = OpenMemory(picture.bytes);
   std::vector<char> document(kLumigramDocumentBufferBytes);
-  const int32_t status = GetXmlString(stream.get(), static_cast<FileType>(kind), document.data(),
-                                      &picture.height, &picture.width, &picture.pop);
+  const int32_t status =
+      GetXmlStringFromBytes(picture.bytes.data(), picture.bytes.size(), static_cast<FileType>(kind),
+                            document.data(), &picture.height, &picture.width, &picture.pop);
   if (status != kOk && status != kNoDocument) {
     const bool noFrame = status == kNoFrameHeader;
     throw Failure(status, noFrame ? "a JPEG without dimensions" : LumigramStatusText(status));

@@ -152,9 +152,8 @@ void BuildText(const Document& document, const AttrInfo& record, XmlStringInfo* 
 
 // Builds the picture in memory; an empty text means no document.
 Picture Build(const Picture& source, const XmlStringInfo& text, const AttrInfo& record) {
-  const ScopedFile stream = OpenMemory(source.bytes);
   NewPicture built;
-  ByteSource original(stream.get());
+  ByteSource original{source.bytes};
   const Status status = BuildPicture(original, source.kind, text, record, &built);
   if (status == kTooLong) throw Failure(status, "the document is too long for a PNG picture");
   if (status == kPictureTooLarge) throw Failure(status, "the picture would be over 2 MiB");

@@ -56,6 +56,17 @@ TEST(Arguments, NullIsRefused) {
   REFUSES_NULL(-99, OpenFile, "a.gif", 0u, nullptr, &type);
   REFUSES_NULL(-99, GetTagInfo, file, 3, "n", results);
   REFUSES_NULL(-99, GetPictureRecord, file, 3, record.get(), &summary);
+  const uint8_t* const in = out;
+  size_t length = 0;
+  const BlobCallback list = [](void*, const BlobInfo*) {};
+  uint8_t* built = nullptr;
+  REFUSES_NULL(-99, GetFileTypeFromBytes, in, sizeof out, &type);
+  REFUSES_NULL(-99, GetXmlStringFromBytes, in, sizeof out, 1, text, nullptr, nullptr, nullptr);
+  REFUSES_NULL(-99, GetPictureRecordFromBytes, in, sizeof out, 3, record.get(), &summary);
+  REFUSES_NULL(-99, GetBlobFromBytes, in, sizeof out, 1, "", "", nullptr, size_t{0}, &length);
+  REFUSES_NULL(-99, ListBlobs, file, 1, list, nullptr);
+  REFUSES_NULL(-99, ListBlobsFromBytes, in, sizeof out, 1, list, nullptr);
+  REFUSES_NULL(-10, SetXmlStringToBytes, in, sizeof out, 1, &attr, nullptr, &built, &length);
   REFUSES_NULL(-99, GetLabelInfo, text, &labels);
   REFUSES_NULL(-10, SetXmlStringToFile, file, "p.png", &attr, 4);
   REFUSES_NULL(-1, GetFileType, "a.gif", &type);

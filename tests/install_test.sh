@@ -21,6 +21,8 @@ flags=() && eval "flags=($(pkg-config --cflags --libs lumigram))"  # its spaces 
 cc -Wall -Wextra -Wpedantic -Werror -std=c11 "$root/examples/c/tag_picture.c" -o "$work/by-pkg-config" "${flags[@]}"
 cmake -S "$root/examples/c" -B "$work/c" -DCMAKE_PREFIX_PATH="$tree" && cmake --build "$work/c" &&
   mv "$work/c/tag_picture" "$work/by-find-package"
+"$work/c/tag_bytes" <"$root/samples/heart.png" >"$work/bytes.png"
+same "writes a picture in memory" $'ハート (愛情)\nlove ❤ ()' "$("$work/by-pkg-config" "$work/bytes.png")"
 for program in "$work"/by-{find-package,pkg-config}; do
   cp "$root"/samples/{heart,cut}.png "$work"
   "$program" "$work/heart.png" seal 'a "<" note' >"$work/before"
