@@ -1,8 +1,7 @@
 // Delivers the bytes of one blob of a picture to Java.
-#include <string.h>
-
 #include "core/file/blobs.h"
 #include "core/file/picture_file.h"
+#include "jni/lent_bytes.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -14,20 +13,17 @@ struct Blob {
   uint32_t length = 0;
 };
 
-// A blob has fewer bytes than its picture, so the size of the picture is enough.
-Status CopyBlob(const PictureFile& picture, const WantedBlob& wanted, Blob* blob) {
-  const BlobFunctions* const functions = BlobFunctionsOf(picture.GetKind());
+// A blob has fewer bytes than its picture, so the size of the picture is enough. Returns kNoBlob also
+// for a picture of a kind that carries none.
+Status CopyBlob(ByteSource& source, Kind kind, int32_t size, const WantedBlob& wanted, Blob* blob) {
+  const BlobFunctions* const functions = BlobFunctionsOf(kind);
   if (functions == nullptr) return kNoBlob;
-  int32_t size = 0;
-  if (Status s = picture.GetSize(&size); s != kOk) return s;
   blob->bytes.reset(static_cast<uint8_t*>(malloc(static_cast<size_t>(size) + 1)));
   if (blob->bytes == nullptr) return kNoRoom;
-  ByteSource source = picture.Source();
   OutputBuffer data(blob->bytes.get(), static_cast<uint32_t>(size));
   return functions->copy(source, wanted, &data, &blob->length);
 }
 
-// Returns kNoBlob also for a picture of a kind that carries none.
 Status ReadBlob(JNIEnv* env, jstring path, Status (PictureFile::*open)(const char* path),
                 jstring labelName, jstring fileName, Blob* blob) {
   PictureFile picture;
@@ -39,16 +35,23 @@ Status ReadBlob(JNIEnv* env, jstring path, Status (PictureFile::*open)(const cha
   const JavaText label(env, labelName);
   const JavaText name(env, fileName);
   if (label.Get() == nullptr || name.Get() == nullptr) return kNullArgument;
-  return CopyBlob(picture, {label.Get(), name.Get()}, blob);
+  int32_t size = 0;
+  if (Status s = picture.GetSize(&size); s != kOk) return s;
+  ByteSource source = picture.Source();
+  return CopyBlob(source, picture.GetKind(), size, {label.Get(), name.Get()}, blob);
 }
 
 jbyteArray NewArrayOf(JNIEnv* env, const Blob& blob) {
-  LocalRef<jbyteArray> array(env, env->NewByteArray(static_cast<jsize>(blob.length)));
-  if (array.Get() == nullptr) return nullptr;
-  JavaBytes elements(env, array.Get(), JavaBytes::kCopyBack);
-  if (elements.Get() == nullptr) return nullptr;
-  memcpy(elements.Get(), blob.bytes.get(), blob.length);
-  return array.Release();
+  return NewByteArrayOf(env, {blob.bytes.get(), blob.length});
+}
+
+// Returns a new array after kOk, else null, and stores the status.
+jbyteArray Deliver(JNIEnv* env, int32_t code, const Blob& blob, jintArray status) {
+  const jbyteArray bytes = code == kOk ? NewArrayOf(env, blob) : nullptr;
+  const jint stored = code == kOk && bytes == nullptr ? kNoRoom : code;
+  if (status != nullptr) env->SetIntArrayRegion(status, 0, 1, &stored);
+  ClearException(env);
+  return bytes;
 }
 
 }  // namespace
@@ -69,13 +72,27 @@ jbyteArray Java_lumigram_jni_LumigramFiles_readBlob(JNIEnv* env, jclass, jstring
                                                     jstring labelName, jstring fileName,
                                                     jintArray status) {
   Blob blob;
-  jint code = ReadBlob(env, path, &PictureFile::OpenReady, labelName, fileName, &blob);
-  jbyteArray bytes = nullptr;
-  if (code == kOk) {
-    bytes = NewArrayOf(env, blob);
-    if (bytes == nullptr) code = kNoRoom;
+  const Status code = ReadBlob(env, path, &PictureFile::OpenReady, labelName, fileName, &blob);
+  return Deliver(env, code, blob, status);
+}
+
+jbyteArray Java_lumigram_jni_LumigramBytes_readBlob(JNIEnv* env, jclass, jbyteArray bytes,
+                                                    jint type, jstring labelName, jstring fileName,
+                                                    jintArray status) {
+  Blob blob;
+  int32_t code = kNullArgument;
+  {
+    const std::optional<Kind> kind = KindOf(type);
+    const JavaText label(env, labelName);
+    const JavaText name(env, fileName);
+    jsize length = 0;
+    if (!kind) {
+      code = kUnsupported;
+    } else if (label.Get() != nullptr && name.Get() != nullptr) {
+      code = UseBytes(env, bytes, &length, [&](ByteSource& source) {
+        return CopyBlob(source, *kind, length, {label.Get(), name.Get()}, &blob);
+      });
+    }
   }
-  if (status != nullptr) env->SetIntArrayRegion(status, 0, 1, &code);
-  ClearException(env);
-  return bytes;
+  return Deliver(env, code, blob, status);
 }

@@ -45,11 +45,9 @@ JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_readPictures(JNIEnv* env,
                                                                     jobjectArray attrs,
                                                                     jlongArray fingerprints,
                                                                     jbyteArray results);
-JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_writePicture(JNIEnv* env, jclass,
-                                                                    jstring path, jobject attr,
-                                                                    jlongArray expected,
-                                                                    jboolean replacesUnread,
-                                                                    jlongArray details);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_writePicture(
+    JNIEnv* env, jclass, jstring path, jobject attr, jobjectArray newBlobs, jlongArray expected,
+    jboolean replacesUnread, jlongArray details);
 JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_lookUpTag(JNIEnv* env, jclass, jstring path,
                                                                  jstring tagName,
                                                                  jobjectArray results);
@@ -58,6 +56,36 @@ JNIEXPORT jbyteArray JNICALL Java_lumigram_jni_LumigramFiles_readBlob(
 JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramFiles_findObstacle(JNIEnv* env, jclass,
                                                                     jstring path,
                                                                     jboolean isWriting, jint error,
+                                                                    jobjectArray words);
+
+JNIEXPORT jobjectArray JNICALL Java_lumigram_jni_LumigramFiles_listBlobs(JNIEnv* env, jclass,
+                                                                         jstring path,
+                                                                         jintArray status);
+
+// The native methods of LumigramBytes. Their Java declarations have the contracts.
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramBytes_findKind(JNIEnv* env, jclass,
+                                                                jbyteArray bytes);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramBytes_readPictures(
+    JNIEnv* env, jclass, jobjectArray pictures, jbyteArray kinds, jobjectArray attrs,
+    jlongArray fingerprints, jbyteArray results);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramBytes_writePicture(
+    JNIEnv* env, jclass, jbyteArray bytes, jint kind, jobject attr, jobjectArray newBlobs,
+    jlongArray expected, jboolean replacesUnread, jlongArray details, jobjectArray written);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramBytes_lookUpTag(JNIEnv* env, jclass,
+                                                                 jbyteArray bytes, jint kind,
+                                                                 jstring tagName,
+                                                                 jobjectArray results);
+JNIEXPORT jbyteArray JNICALL Java_lumigram_jni_LumigramBytes_readBlob(JNIEnv* env, jclass,
+                                                                      jbyteArray bytes, jint kind,
+                                                                      jstring labelName,
+                                                                      jstring fileName,
+                                                                      jintArray status);
+JNIEXPORT jobjectArray JNICALL Java_lumigram_jni_LumigramBytes_listBlobs(JNIEnv* env, jclass,
+                                                                         jbyteArray bytes,
+                                                                         jint kind,
+                                                                         jintArray status);
+JNIEXPORT jint JNICALL Java_lumigram_jni_LumigramBytes_findObstacle(JNIEnv* env, jclass,
+                                                                    jbyteArray bytes, jint kind,
                                                                     jobjectArray words);
 
 // Returns the version of the library, or null with a pending exception when there is no memory.

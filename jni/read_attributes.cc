@@ -1,8 +1,10 @@
-// Reads the metadata of a batch of picture files into Java attribute objects.
+// Reads the metadata of a batch of pictures into Java attribute objects.
 #include <unistd.h>
 
+#include "core/file/extraction.h"
 #include "core/file/picture_file.h"
 #include "jni/batch_read.h"
+#include "jni/lent_bytes.h"
 #include "jni/native_methods.h"
 
 namespace lumigram {
@@ -55,6 +57,40 @@ bool StoreFingerprint(JNIEnv* env, jlongArray fingerprints, jsize i, const Finge
   return !ClearException(env);
 }
 
+TakenPicture TakeBytes(JNIEnv* env, jobjectArray pictures, jsize i, FileType type, char* document,
+                       Fingerprint* fingerprint) {
+  TakenPicture taken;
+  const std::optional<Kind> kind = KindOf(type);
+  const LocalRef<jbyteArray> bytes(env, env->GetObjectArrayElement(pictures, i));
+  if (bytes.Get() == nullptr) return taken;
+  jsize length = 0;
+  const int32_t status = UseBytes(env, bytes.Get(), &length, [&](ByteSource& source) -> int32_t {
+    if (!kind) return kUnsupported;
+    taken.isOpened = true;
+    return ExtractDocument(source, *kind, taken.OutputsTo(document, fingerprint));
+  });
+  taken.status = static_cast<Status>(status);
+  taken.facts.size = length;
+  return taken;
+}
+
+// Reads a batch with fingerprints. take(i, document, &fingerprint) reads picture i.
+template <typename Take>
+Status ReadWithFingerprints(JNIEnv* env, jobjectArray pictures, jobjectArray attrs,
+                            jlongArray fingerprints, jbyteArray results, Take take) {
+  if (attrs == nullptr || pictures == nullptr || fingerprints == nullptr || results == nullptr)
+    return kNullArgument;
+  const auto takeAndStore = [&](jsize i, char* document) {
+    Fingerprint fingerprint;
+    TakenPicture taken = take(i, document, &fingerprint);
+    if (taken.isOpened && !StoreFingerprint(env, fingerprints, i, fingerprint))
+      taken.status = kBadField;
+    return taken;
+  };
+  return ReadBatch(env, LengthOf(env, pictures), attrs, results, AttributeObject::TagRule::kBoth,
+                   takeAndStore);
+}
+
 }  // namespace
 }  // namespace lumigram
 
@@ -72,15 +108,22 @@ jint Java_lumigram_jni_LumigramJni_getLumigramAttrInfo(JNIEnv* env, jclass, jobj
 jint Java_lumigram_jni_LumigramFiles_readPictures(JNIEnv* env, jclass, jobjectArray paths,
                                                   jobjectArray attrs, jlongArray fingerprints,
                                                   jbyteArray results) {
-  if (attrs == nullptr || paths == nullptr || fingerprints == nullptr || results == nullptr)
-    return kNullArgument;
-  const auto take = [&](jsize i, char* document) {
-    Fingerprint fingerprint;
-    TakenPicture taken = TakeFile(env, paths, i, OpenAtOnce, document, &fingerprint);
-    if (taken.isOpened && !StoreFingerprint(env, fingerprints, i, fingerprint))
-      taken.status = kBadField;
-    return taken;
-  };
-  return ReadBatch(env, LengthOf(env, paths), attrs, results, AttributeObject::TagRule::kBoth,
-                   take);
+  return ReadWithFingerprints(env, paths, attrs, fingerprints, results,
+                              [&](jsize i, char* document, Fingerprint* fingerprint) {
+                                return TakeFile(env, paths, i, OpenAtOnce, document, fingerprint);
+                              });
+}
+
+jint Java_lumigram_jni_LumigramBytes_readPictures(JNIEnv* env, jclass, jobjectArray pictures,
+                                                  jbyteArray kinds, jobjectArray attrs,
+                                                  jlongArray fingerprints, jbyteArray results) {
+  const JavaBytes types(env, kinds, JavaBytes::kDiscard);
+  if (types.Get() == nullptr) return kNullArgument;
+  const jsize known = LengthOf(env, kinds);
+  return ReadWithFingerprints(env, pictures, attrs, fingerprints, results,
+                              [&](jsize i, char* document, Fingerprint* fingerprint) {
+                                const FileType type =
+                                    i < known ? types.Get()[i] : FileType{kFileTypeUnknown};
+                                return TakeBytes(env, pictures, i, type, document, fingerprint);
+                              });
 }

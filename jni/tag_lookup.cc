@@ -4,6 +4,7 @@
 
 #include "core/file/tag_info.h"
 #include "jni/java_text.h"
+#include "jni/lent_bytes.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -14,22 +15,6 @@ struct Contents {
   char text[kLumigramMaxGroupSize][kLumigramMaxContentBytes + 1];
 };
 
-using OpenPicture = Status (PictureFile::*)(const char* path);
-
-// After kOk of Open(), *isOpened is set.
-Status LookUp(JNIEnv* env, jstring path, jstring tagName, OpenPicture open, bool* isOpened,
-              Contents* contents) {
-  const JavaText pathText(env, path);
-  if (pathText.Get() == nullptr) return kNullArgument;
-  const JavaText nameText(env, tagName);
-  if (nameText.Get() == nullptr) return kNullArgument;
-  if (strlen(nameText.Get()) > kLumigramMaxTextBytes) return kNullArgument;
-  PictureFile picture;
-  if (Status s = (picture.*open)(pathText.Get()); s != kOk) return s;
-  *isOpened = true;
-  return LookUpTags(picture, nameText.Get(), contents->text);
-}
-
 Status StoreAll(JNIEnv* env, const Contents& contents, jobjectArray results) {
   for (jsize i = 0; i < kLumigramMaxGroupSize; ++i) {
     if (!StoreJavaString(env, results, i, contents.text[i])) return kBadField;
@@ -37,13 +22,15 @@ Status StoreAll(JNIEnv* env, const Contents& contents, jobjectArray results) {
   return kOk;
 }
 
-Status LookUpAndStore(JNIEnv* env, jstring path, jstring tagName, jobjectArray results,
-                      OpenPicture open, bool* isOpened) {
-  if (path == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
+// lookUp(name, contents) fills the contents, which are all empty.
+template <typename LookUp>
+Status LookUpAndStore(JNIEnv* env, jstring tagName, jobjectArray results, LookUp lookUp) {
   if (LengthOf(env, results) < kLumigramMaxGroupSize) return kBadArgument;
   const ScopedBlock<Contents> contents(static_cast<Contents*>(calloc(1, sizeof(Contents))));
   if (contents == nullptr) return kNoRoom;
-  if (Status s = LookUp(env, path, tagName, open, isOpened, contents.get()); s != kOk) return s;
+  const JavaText name(env, tagName);
+  if (name.Get() == nullptr || strlen(name.Get()) > kLumigramMaxTextBytes) return kNullArgument;
+  if (Status s = lookUp(name.Get(), contents->text); s != kOk) return s;
   return StoreAll(env, *contents, results);
 }
 
@@ -52,16 +39,39 @@ Status LookUpAndStore(JNIEnv* env, jstring path, jstring tagName, jobjectArray r
 
 using namespace lumigram;
 
-// Whatever goes wrong in a picture that has been opened is kBadArgument.
 jint Java_lumigram_jni_LumigramJni_getLumigramTagInfo(JNIEnv* env, jclass, jstring path,
                                                       jstring tagName, jobjectArray results) {
-  bool isOpened = false;
-  const Status status = LookUpAndStore(env, path, tagName, results, &PictureFile::Open, &isOpened);
-  return status != kOk && isOpened ? kBadArgument : status;
+  if (path == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
+  return LookUpAndStore(env, tagName, results, [&](const char* name, char(*contents)[1025]) {
+    const JavaText text(env, path);
+    if (text.Get() == nullptr) return kNullArgument;
+    PictureFile picture;
+    if (Status s = picture.Open(text.Get()); s != kOk) return s;
+    return LookUpTags(picture, name, contents) == kOk ? kOk : kBadArgument;
+  });
 }
 
 jint Java_lumigram_jni_LumigramFiles_lookUpTag(JNIEnv* env, jclass, jstring path, jstring tagName,
                                                jobjectArray results) {
-  bool isOpened = false;
-  return LookUpAndStore(env, path, tagName, results, &PictureFile::OpenReady, &isOpened);
+  if (path == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
+  return LookUpAndStore(env, tagName, results, [&](const char* name, char(*contents)[1025]) {
+    const JavaText text(env, path);
+    if (text.Get() == nullptr) return kNullArgument;
+    PictureFile picture;
+    if (Status s = picture.OpenReady(text.Get()); s != kOk) return s;
+    return LookUpTags(picture, name, contents);
+  });
+}
+
+jint Java_lumigram_jni_LumigramBytes_lookUpTag(JNIEnv* env, jclass, jbyteArray bytes, jint type,
+                                               jstring tagName, jobjectArray results) {
+  if (bytes == nullptr || tagName == nullptr || results == nullptr) return kNullArgument;
+  const std::optional<Kind> kind = KindOf(type);
+  if (!kind) return kUnsupported;
+  return LookUpAndStore(env, tagName, results, [&](const char* name, char(*contents)[1025]) {
+    jsize length;
+    return static_cast<Status>(UseBytes(env, bytes, &length, [&](ByteSource& source) {
+      return LookUpTags(source, *kind, name, contents);
+    }));
+  });
 }

@@ -1,10 +1,11 @@
-// Writes the metadata of a Java attribute object into a picture file.
+// Writes the metadata of a Java attribute object into a picture.
 #include <algorithm>
 
 #include "core/file/picture_file.h"
 #include "core/write/rewrite.h"
 #include "core/write/write_picture.h"
 #include "jni/attribute_record.h"
+#include "jni/lent_bytes.h"
 #include "jni/native_methods.h"
 #include "jni/scoped_jni.h"
 
@@ -23,15 +24,41 @@ Status Write(JNIEnv* env, jstring path, const AttrInfo& attr) {
              : kTooLong;
 }
 
-bool TakeFingerprint(JNIEnv* env, jlongArray numbers, FingerprintValue* value) {
-  jlong taken[2] = {};
-  env->GetLongArrayRegion(numbers, 0, 2, taken);
-  *value = {taken[0], taken[1]};
-  return !ClearException(env);
-}
+// What Java hands over for a write.
+class Request {
+ public:
+  // Returns kOk, or the status of an object or array that cannot be used.
+  Status Take(JNIEnv* env, jobject attr, jobjectArray newBlobs, jlongArray expected,
+              jlongArray details) {
+    // Nothing that follows the write may fail.
+    if (LengthOf(env, details) < kUnreadKinds) return kBadArgument;
+    if (Status s = TakeRecord(env, attr, &record_); s != kOk) return s;
+    if (Status s = blobs_.Take(env, newBlobs); s != kOk) return s;
+    isCompared_ = expected != nullptr;
+    return isCompared_ ? TakeFingerprint(env, expected) : kOk;
+  }
+
+  RewriteRequest Get(jboolean replacesUnread) const {
+    return {
+        {*record_, blobs_.Blobs()}, isCompared_ ? &seen_ : nullptr, replacesUnread != JNI_FALSE};
+  }
+
+ private:
+  Status TakeFingerprint(JNIEnv* env, jlongArray numbers) {
+    jlong taken[2] = {};
+    env->GetLongArrayRegion(numbers, 0, 2, taken);
+    seen_ = {taken[0], taken[1]};
+    return ClearException(env) ? kBadField : kOk;
+  }
+
+  ScopedBlock<AttrInfo> record_;
+  BlobCopies blobs_;
+  bool isCompared_ = false;
+  FingerprintValue seen_;
+};
 
 // The numbers that go with a result; see the Java method.
-bool StoreDetails(JNIEnv* env, RewriteResult result, const RewriteReport& report,
+void StoreDetails(JNIEnv* env, RewriteResult result, const RewriteReport& report,
                   jlongArray details) {
   jlong numbers[kUnreadKinds] = {};
   jsize count = 1;
@@ -47,7 +74,7 @@ bool StoreDetails(JNIEnv* env, RewriteResult result, const RewriteReport& report
     numbers[0] = result == kBlobMissing ? report.tagOfBlob : report.error;
   }
   env->SetLongArrayRegion(details, 0, count, numbers);
-  return !ClearException(env);
+  ClearException(env);
 }
 
 }  // namespace
@@ -64,20 +91,42 @@ jint Java_lumigram_jni_LumigramJni_setLumigramAttrInfo(JNIEnv* env, jclass, jstr
 }
 
 jint Java_lumigram_jni_LumigramFiles_writePicture(JNIEnv* env, jclass, jstring path, jobject attr,
-                                                  jlongArray expected, jboolean replacesUnread,
-                                                  jlongArray details) {
+                                                  jobjectArray newBlobs, jlongArray expected,
+                                                  jboolean replacesUnread, jlongArray details) {
   if (path == nullptr || attr == nullptr || details == nullptr) return kNullArgument;
-  // Nothing that follows the write may fail.
-  if (LengthOf(env, details) < kUnreadKinds) return kBadArgument;
-  ScopedBlock<AttrInfo> record;
-  if (Status s = TakeRecord(env, attr, &record); s != kOk) return s;
-  FingerprintValue seen;
-  if (expected != nullptr && !TakeFingerprint(env, expected, &seen)) return kBadField;
+  Request request;
+  if (Status s = request.Take(env, attr, newBlobs, expected, details); s != kOk) return s;
   const JavaText text(env, path);
   if (text.Get() == nullptr) return kBadField;
   RewriteReport report = {};
-  const RewriteResult result = RewriteFile(
-      text.Get(), {*record, expected == nullptr ? nullptr : &seen, replacesUnread != JNI_FALSE},
-      &report);
-  return StoreDetails(env, result, report, details) ? result : int32_t{kBadField};
+  const RewriteResult result = RewriteFile(text.Get(), request.Get(replacesUnread), &report);
+  StoreDetails(env, result, report, details);
+  return result;
+}
+
+jint Java_lumigram_jni_LumigramBytes_writePicture(JNIEnv* env, jclass, jbyteArray bytes, jint type,
+                                                  jobject attr, jobjectArray newBlobs,
+                                                  jlongArray expected, jboolean replacesUnread,
+                                                  jlongArray details, jobjectArray written) {
+  if (bytes == nullptr || attr == nullptr || details == nullptr || written == nullptr)
+    return kNullArgument;
+  const std::optional<Kind> kind = KindOf(type);
+  if (!kind) return kUnsupported;
+  Request request;
+  if (Status s = request.Take(env, attr, newBlobs, expected, details); s != kOk) return s;
+  RewriteReport report = {};
+  NewPicture picture;
+  jsize length = 0;
+  const RewriteResult result = UseBytes(env, bytes, &length, [&](ByteSource& source) {
+    return BuildRewrite(source, *kind, request.Get(replacesUnread), &picture, &report);
+  });
+  if (result == kRewritten) {
+    const LocalRef<jbyteArray> array(env,
+                                     NewByteArrayOf(env, {picture.bytes.get(), picture.length}));
+    if (array.Get() == nullptr) return kNoRoom;
+    env->SetObjectArrayElement(written, 0, array.Get());
+    if (ClearException(env)) return kBadField;
+  }
+  StoreDetails(env, result, report, details);
+  return result;
 }

@@ -423,7 +423,8 @@ class JniRewrite : public JniWrite {
     JavaObject* seen = expected == nullptr ? nullptr : vm_.Make({.longs = *expected});
     return Java_lumigram_jni_LumigramFiles_writePicture(
         vm_.Env(), nullptr, Text(path), vm_.Argument<jobject>(vm_.Object(object_)),
-        vm_.Argument<jlongArray>(seen), replacesUnread, vm_.Argument<jlongArray>(details_));
+        vm_.Argument<jobjectArray>(blobs_), vm_.Argument<jlongArray>(seen), replacesUnread,
+        vm_.Argument<jlongArray>(details_));
   }
 
   Details Fingerprint(const std::string& path) {
@@ -439,6 +440,22 @@ class JniRewrite : public JniWrite {
 
   const Bytes seen_ = PngStart() + PngDocument("<emoji>" + Tag("t", "file://THIS/b") + "</emoji>") +
                       kept_ + kPngImage + kPngEnd;
+  JavaObject* Array(const Bytes& bytes) {
+    return vm_.Make({.bytes = {bytes.begin(), bytes.end()}});
+  }
+
+  int RewriteBytes(JavaObject* picture, int kind) {
+    details_->longs.assign(11, -1);
+    return Java_lumigram_jni_LumigramBytes_writePicture(
+        vm_.Env(), nullptr, vm_.Argument<jbyteArray>(picture), kind,
+        vm_.Argument<jobject>(vm_.Object(object_)), vm_.Argument<jobjectArray>(blobs_), nullptr,
+        true, vm_.Argument<jlongArray>(details_), vm_.Argument<jobjectArray>(written_));
+  }
+
+  // New blobs of the second and fourth tag.
+  JavaObject* blobs_ = vm_.Make(
+      {.elements = {nullptr, Array(test::Text("blob")), nullptr, Array(test::Text("la"))}});
+  JavaObject* written_ = vm_.Make({.elements = {nullptr}});
   Values object_ = full_;
   JavaObject* details_ = vm_.Make();
 };
@@ -481,6 +498,7 @@ TEST_F(JniRewrite, CountsWhatWouldBeLost) {
 
 // A reference to nothing may stay, and may not be added.
 TEST_F(JniRewrite, FindsTheBlobsOfNewReferences) {
+  blobs_ = nullptr;
   object_["mTags"] = "At|u";
   object_["mTagsElement"] = "Afile://THIS/b|file://THIS/bb";
   object_[kLabels] = object_[kUris] = "A-*2";
@@ -501,9 +519,111 @@ TEST_F(JniRewrite, AFailureOfTheMachineLeavesThePictureAlone) {
     status = Rewrite(path_, &old, false);
   };
   vm_.FailEach(write, [&](const std::string& failed) {
-    EXPECT_EQ(status, failed.empty() ? 0 : -99);
-    EXPECT_EQ(ReadWhole(path_) == seen_, !failed.empty() && failed != "SetLongArrayRegion");
+    const bool isWritten = failed.empty() || failed == "SetLongArrayRegion";
+    EXPECT_EQ(status, isWritten ? 0 : -99);
+    EXPECT_EQ(ReadWhole(path_) == seen_, !isWritten);
   });
+}
+
+TEST_F(JniRewrite, BytesAreRewrittenLikeFiles) {
+  EXPECT_EQ(Write(full_, path_), 0);
+  const Bytes wanted = ReadWhole(path_);
+  folder_.Write("a.png", seen_);
+  EXPECT_EQ(Rewrite(path_, nullptr, true), 0);
+  EXPECT_EQ(ReadWhole(path_), wanted);
+  const Details details = details_->longs;
+  JavaObject* const picture = Array(seen_);
+  int status;
+  const auto rewrite = [&] {
+    written_->elements[0] = nullptr;
+    status = RewriteBytes(picture, 3);
+  };
+  vm_.FailEach(rewrite, [&](const std::string& failed) {
+    const bool isDone = failed.empty() || failed == "SetLongArrayRegion";
+    EXPECT_EQ(status, isDone ? 0 : -99);
+    EXPECT_TRUE(written_->elements[0] == nullptr
+                    ? !isDone
+                    : written_->elements[0]->bytes == Array(wanted)->bytes);
+    EXPECT_EQ(details_->longs == details, failed.empty());
+  });
+  EXPECT_EQ(RewriteBytes(picture, 0), -21);
+  EXPECT_EQ(RewriteBytes(Array({}), 3), -99);
+  blobs_->elements[1] = Array(Bytes(2097149));
+  EXPECT_EQ(RewriteBytes(picture, 3), -42);
+  blobs_->elements[1] = nullptr;
+  EXPECT_EQ(RewriteBytes(picture, 3), -99) << "no file is opened";
+}
+
+TEST_F(JniRewrite, BytesAreReadLikeFiles) {
+  Bytes largest = seen_;
+  largest.resize(2097152);
+  JavaObject* const pictures =
+      vm_.Make({.elements = {Array(seen_), Array(largest), Array(largest + Bytes{0}), Array({}),
+                             nullptr, Array(seen_), Array(seen_)}});
+  JavaObject* const objects = vm_.Make();
+  for (int i = 0; i < 7; ++i) objects->elements.push_back(vm_.Object(kOld));
+  JavaObject* const codes = vm_.Make({.bytes = std::vector<jbyte>(7, 5)});
+  JavaObject* const numbers = vm_.Make({.longs = std::vector<jlong>(14)});
+  int status;
+  const auto read = [&] {
+    status = Java_lumigram_jni_LumigramBytes_readPictures(
+        vm_.Env(), nullptr, vm_.Argument<jobjectArray>(pictures),
+        vm_.Argument<jbyteArray>(vm_.Make({.bytes = {3, 3, 3, 3, 3, 4}})),
+        vm_.Argument<jobjectArray>(objects), vm_.Argument<jlongArray>(numbers),
+        vm_.Argument<jbyteArray>(codes));
+  };
+  vm_.FailEach(read,
+               [&](const std::string& failed) { EXPECT_TRUE(status == 0 || !failed.empty()); });
+  EXPECT_EQ(codes->bytes, (std::vector<jbyte>{0, 0, -99, -99, -99, -21, -21}));
+  EXPECT_EQ(Details(&numbers->longs[0], &numbers->longs[2]), Fingerprint(path_));
+  EXPECT_EQ(objects->elements[1]->fields["mFileSize"]->text, "2097152");
+  EXPECT_EQ(objects->elements[0]->fields["mTagsElement"]->elements[0]->text, "file://THIS/b");
+}
+
+// The texts of a list, with a "|" after each.
+std::string Joined(FakeJni& vm, jobjectArray array) {
+  std::string texts;
+  if (array == nullptr) return "null";
+  for (const JavaObject* text : vm.At(array)->elements) texts += text->text + "|";
+  vm.Env()->DeleteLocalRef(array);
+  return texts;
+}
+
+TEST_F(JniRewrite, BlobsOfBytesAndFiles) {
+  JavaObject* const code = vm_.Make({.longs = {9}});
+  JavaObject* const picture = Array(seen_);
+  std::string list, blob;
+  const auto status = [&] { return vm_.Argument<jintArray>(code); };
+  for (bool isFile : {false, true}) {
+    const auto run = [&] {
+      const auto bytes = vm_.Argument<jbyteArray>(picture);
+      list = Joined(vm_, isFile ? Java_lumigram_jni_LumigramFiles_listBlobs(vm_.Env(), nullptr,
+                                                                            Text(path_), status())
+                                : Java_lumigram_jni_LumigramBytes_listBlobs(vm_.Env(), nullptr,
+                                                                            bytes, 3, status()));
+    };
+    vm_.FailEach(run, [&](const std::string& failed) {
+      EXPECT_EQ(list,
+                failed.empty() || failed == "SetIntArrayRegion" ? "EMJ00000000|b.dat|1|" : "null");
+      EXPECT_TRUE(failed.empty() == (code->longs[0] == 0) || failed == "SetIntArrayRegion");
+    });
+    const auto find = [&](std::string_view name) {
+      const auto bytes = vm_.Argument<jbyteArray>(picture);
+      const auto found =
+          isFile ? Java_lumigram_jni_LumigramFiles_readBlob(vm_.Env(), nullptr, Text(path_),
+                                                            Text("EMJ"), Text(name), status())
+                 : Java_lumigram_jni_LumigramBytes_readBlob(vm_.Env(), nullptr, bytes, 3,
+                                                            Text("EMJ"), Text(name), status());
+      blob = found == nullptr ? "null" : std::string(1, char(vm_.At(found)->bytes.at(0)));
+      if (found != nullptr) vm_.Env()->DeleteLocalRef(found);
+    };
+    vm_.FailEach([&] { find("b"); },
+                 [&](const std::string& failed) {
+                   EXPECT_EQ(blob, failed.empty() || failed == "SetIntArrayRegion" ? "b" : "null");
+                 });
+    find("c");
+    EXPECT_EQ(blob + std::to_string(code->longs[0]), "null-2");
+  }
 }
 
 TEST_F(JniPicture, FindsWhatIsWrongWithAFile) {

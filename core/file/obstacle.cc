@@ -20,9 +20,6 @@ namespace {
 
 using std::string_view_literals::operator""sv;
 
-// The bytes of a file at which we look: enough for every signature below.
-constexpr size_t kHead = 12;
-
 // A format that is not one of ours: how its files start, and a mark at an offset.
 struct Format {
   std::string_view start;
@@ -101,8 +98,8 @@ class Search {
   }
 
  private:
-  Obstacle Found(Obstacle obstacle, std::string_view words) {
-    CopyText(words_, words);
+  Obstacle Found(Obstacle obstacle, std::string_view found) {
+    CopyText(words_, found);
     return obstacle;
   }
 
@@ -126,23 +123,13 @@ class Search {
   Obstacle OfContent() {
     const int descriptor = open(path_, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return OfError();
-    char bytes[kHead];
-    const ssize_t size = pread(descriptor, bytes, kHead, 0);
+    char bytes[kObstacleHead];
+    const ssize_t size = pread(descriptor, bytes, kObstacleHead, 0);
     (void)close(descriptor);
-    return size <= 0 ? Obstacle::kNone : OfHead({bytes, static_cast<size_t>(size)});
-  }
-
-  Obstacle OfHead(std::string_view head) {
     FileType named = kFileTypeUnknown;
     (void)GetFileType(path_, &named);
-    if (const auto kind =
-            KindFromSignature({reinterpret_cast<const uint8_t*>(head.data()), head.size()})) {
-      const bool isNamed = kind == KindOf(named);
-      return isNamed ? Obstacle::kNone : Found(Obstacle::kOtherKind, WordsForKind(*kind));
-    }
-    if (const Format* const format = FindFormat(head))
-      return Found(Obstacle::kForeign, format->words);
-    return IsText(head) ? Found(Obstacle::kText, "holds text, not a picture") : Obstacle::kNone;
+    const std::string_view head(bytes, size <= 0 ? 0 : static_cast<size_t>(size));
+    return FindObstacleInBytes(head, named, words_);
   }
 
   Obstacle OfWriting() {
@@ -158,6 +145,23 @@ class Search {
 };
 
 }  // namespace
+
+Obstacle FindObstacleInBytes(std::string_view head, FileType named, char (&words)[kObstacleWords]) {
+  const auto found = [&words](Obstacle obstacle, std::string_view text) {
+    CopyText(words, text);
+    return obstacle;
+  };
+  words[0] = '\0';
+  if (head.empty()) return Obstacle::kNone;
+  if (const auto kind =
+          KindFromSignature({reinterpret_cast<const uint8_t*>(head.data()), head.size()})) {
+    const bool isNamed = kind == KindOf(named);
+    return isNamed ? Obstacle::kNone : found(Obstacle::kOtherKind, WordsForKind(*kind));
+  }
+  if (const Format* const format = FindFormat(head))
+    return found(Obstacle::kForeign, format->words);
+  return IsText(head) ? found(Obstacle::kText, "holds text, not a picture") : Obstacle::kNone;
+}
 
 Obstacle FindObstacle(const char* path, Access access, char (&words)[kObstacleWords]) {
   const int error = errno;

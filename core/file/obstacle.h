@@ -3,6 +3,12 @@
 #ifndef LUMIGRAM_CORE_FILE_OBSTACLE_H_
 #define LUMIGRAM_CORE_FILE_OBSTACLE_H_
 
+#include <stddef.h>
+
+#include <string_view>
+
+#include "lumigram.h"
+
 namespace lumigram {
 
 enum class Obstacle {
@@ -28,6 +34,13 @@ inline constexpr int kObstacleWords = 64;
 // Looks at the file's status and at its first twelve bytes. Stores words for the obstacle, such as
 // "holds a PNG picture; rename it to .png". The path has either spelling. errno stays the same.
 Obstacle FindObstacle(const char* path, Access access, char (&words)[kObstacleWords]);
+
+// The same for the first bytes of a picture of a known name or kind. Finds kOtherKind, kForeign,
+// kText or kNone.
+Obstacle FindObstacleInBytes(std::string_view head, FileType named, char (&words)[kObstacleWords]);
+
+// As many bytes as FindObstacleInBytes() looks at.
+inline constexpr size_t kObstacleHead = 12;
 
 }  // namespace lumigram
 

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "core/document/document_format.h"
+#include "core/file/extraction.h"
 
 namespace lumigram {
 namespace {
@@ -31,6 +32,13 @@ Status LookUpTags(const PictureFile& picture, const char* tagName, char results[
   int32_t height = 0, width = 0, pop = 0;
   if (Status s = picture.ReadDocument({document, &height, &width, &pop}); s != kOk) return s;
   return TakeTags(document, tagName, results);
+}
+
+Status LookUpTags(ByteSource& source, Kind kind, const char* tagName, char results[10][1025]) {
+  char document[kLumigramDocumentBufferBytes] = {};
+  int32_t height = 0, width = 0, pop = 0;
+  const Status status = ExtractDocument(source, kind, {document, &height, &width, &pop});
+  return status == kOk ? TakeTags(document, tagName, results) : status;
 }
 
 }  // namespace lumigram

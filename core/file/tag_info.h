@@ -9,6 +9,8 @@ namespace lumigram {
 
 // As GetTagInfo(), for a file that has been opened, but with the status of a reader that fails.
 Status LookUpTags(const PictureFile& picture, const char* tagName, char results[10][1025]);
+// The same, from any source.
+Status LookUpTags(ByteSource& source, Kind kind, const char* tagName, char results[10][1025]);
 
 }  // namespace lumigram
 

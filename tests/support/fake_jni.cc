@@ -79,6 +79,7 @@ JavaObject* FakeJni::At(jobject ref) {
 }
 
 FakeJni& FakeJni::Enter() {
+  EXPECT_FALSE(isCritical_) << "a call while the array's bytes are lent";
   EXPECT_FALSE(pending_) << "a call with an exception pending";
   return *this;
 }
@@ -162,6 +163,13 @@ FakeJni::FakeJni() {
     delete[] bytes;
   };
 
+  table_.ReleasePrimitiveArrayCritical = [](JNIEnv*, jarray, void* bytes, jint mode) {
+    EXPECT_EQ(vm->lent_.erase(bytes), 1u);
+    EXPECT_EQ(mode, JNI_ABORT);
+    vm->isCritical_ = false;
+    delete[] static_cast<jbyte*>(bytes);
+  };
+
   // Cannot fail.
   table_.IsSameObject = [](JNIEnv*, jobject a, jobject b) -> jboolean {
     return vm->Enter().At(a) == vm->At(b);
@@ -209,10 +217,22 @@ FakeJni::FakeJni() {
   MAY_FAIL(NewStringUTF, [](const char* text) { return vm->NewRef(vm->String(text)); });
   MAY_FAIL(NewObjectArray, [](jsize size, jclass type, jobject each) {
     EXPECT_EQ(vm->At(type)->text, "java/lang/String");
-    return vm->NewRef(vm->Make({.elements = {size_t(size), vm->At(each)}}));
+    return vm->NewRef(
+        vm->Make({.elements = {size_t(size), each == nullptr ? nullptr : vm->At(each)}}));
   });
   MAY_FAIL(NewByteArray, [](jsize size) {
     return vm->NewRef(vm->Make({.bytes = std::vector<jbyte>(size_t(size))}));
+  });
+  MAY_FAIL(GetPrimitiveArrayCritical, [](jarray array, jboolean*) {
+    auto& bytes = vm->At(array)->bytes;
+    vm->isCritical_ = true;
+    return LendCopy(bytes.data(), bytes.size(), &vm->lent_);
+  });
+  MAY_FAIL(GetByteArrayRegion, [](jbyteArray array, jsize at, jsize size, jbyte* to) {
+    std::copy_n(vm->At(array)->bytes.begin() + at, size, to);
+  });
+  MAY_FAIL(SetByteArrayRegion, [](jbyteArray array, jsize at, jsize size, const jbyte* from) {
+    std::copy_n(from, size, vm->At(array)->bytes.begin() + at);
   });
   MAY_FAIL(SetLongArrayRegion, [](jlongArray array, jsize at, jsize size, const jlong* from) {
     vm->CopyRegion(vm->At(array)->longs, at, size, [&](jlong& to) { to = *from++; });

@@ -78,6 +78,7 @@ class FakeJni {
   std::set<const void*> lent_;
   long arguments_ = 0;
   bool pending_ = false;
+  bool isCritical_ = false;
   int failIn_ = 0;
   std::string failed_;
 };

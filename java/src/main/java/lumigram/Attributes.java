@@ -1,5 +1,7 @@
 package lumigram;
 
+import java.io.File;
+import java.io.IOException;
 import java.util.ArrayList;
 import java.util.Collections;
 import java.util.List;
@@ -63,10 +65,34 @@ final class Attributes {
       Tag tag = info.tags().get(i);
       update.mTags[i] = tag.name();
       update.mTagsElement[i] = tag.content();
-      if (tag.blobFile() == null) continue;
+      if (!tag.addsBlob()) continue;
       update.mApplicationExtensionLabelName[i] = tag.blobLabel();
-      update.mApplicationExtensionBinaryDataUri[i] = tag.blobFile().getAbsolutePath();
+      update.mApplicationExtensionBinaryDataUri[i] = "/" + tag.blobName();
     }
     return update;
+  }
+
+  /**
+   * {@return the bytes of the new blobs, each at the index of its tag; null when there are none}
+   *
+   * @param file the picture's file, for messages
+   * @param info metadata within the limits
+   * @throws PictureException when the file of a blob cannot be read
+   */
+  static byte[][] newBlobs(File file, PictureInfo info) throws PictureException {
+    byte[][] blobs = null;
+    for (int i = 0; i < info.tags().size(); i++) {
+      Tag tag = info.tags().get(i);
+      if (!tag.addsBlob()) continue;
+      if (blobs == null) blobs = new byte[info.tags().size()][];
+      try {
+        blobs[i] = tag.blobBytes();
+      } catch (IOException failure) {
+        throw new PictureException(file, Status.UNUSABLE_BLOB,
+            "tag " + (i + 1) + ": the blob \"" + tag.blobName() + "\" cannot be read: "
+                + failure.getMessage());
+      }
+    }
+    return blobs;
   }
 }

@@ -1,12 +1,18 @@
 package lumigram;
 
 import java.io.File;
+import java.io.FileInputStream;
+import java.io.FileNotFoundException;
+import java.io.IOException;
+import java.util.List;
 import java.util.Objects;
 import lumigram.jni.LumigramAttrUpdate;
 import lumigram.jni.LumigramFiles;
 
 /** A picture's file. */
 final class FileStorage extends Storage {
+  private static final int CANNOT_OPEN = -20;
+
   private final File file;
 
   /**
@@ -16,6 +22,16 @@ final class FileStorage extends Storage {
    */
   FileStorage(File file) {
     this.file = Objects.requireNonNull(file, "file");
+  }
+
+  /** Reads a batch, as {@link LumigramFiles#readPictures} does. */
+  static int read(
+      List<FileStorage> storages, Object[] attrs, long[] fingerprints, byte[] results) {
+    String[] paths = new String[attrs.length];
+    for (int i = 0; i < paths.length; i++) {
+      paths[i] = storages.get(i).file.getPath();
+    }
+    return LumigramFiles.readPictures(paths, attrs, fingerprints, results);
   }
 
   @Override
@@ -29,9 +45,10 @@ final class FileStorage extends Storage {
   }
 
   @Override
-  int write(LumigramAttrUpdate update, long[] expected, boolean replacesUnread, long[] details) {
-    String path = file.getPath();
-    return LumigramFiles.writePicture(path, update, expected, replacesUnread, details);
+  int write(LumigramAttrUpdate update, byte[][] newBlobs, long[] expected, boolean replacesUnread,
+      long[] details) {
+    return LumigramFiles.writePicture(
+        file.getPath(), update, newBlobs, expected, replacesUnread, details);
   }
 
   @Override
@@ -42,6 +59,23 @@ final class FileStorage extends Storage {
   @Override
   byte[] readBlob(String label, String name, int[] status) {
     return LumigramFiles.readBlob(file.getPath(), label, name, status);
+  }
+
+  @Override
+  String[] listBlobs(int[] status) {
+    return LumigramFiles.listBlobs(file.getPath(), status);
+  }
+
+  @Override
+  byte[] bytes() throws IOException {
+    if (!file.isFile()) throw failure(CANNOT_OPEN, false, 0);
+    try (FileInputStream in = new FileInputStream(file)) {
+      byte[] bytes = Streams.read(in);
+      if (bytes.length > Streams.MAX_BYTES) throw new PictureException(file, Status.TOO_LARGE);
+      return bytes;
+    } catch (FileNotFoundException refused) {
+      throw failure(CANNOT_OPEN, false, 0);
+    }
   }
 
   @Override

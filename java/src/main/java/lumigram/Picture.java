@@ -1,7 +1,11 @@
 package lumigram;
 
 import java.io.File;
+import java.io.FileDescriptor;
+import java.io.FileInputStream;
 import java.io.IOException;
+import java.io.InputStream;
+import java.io.OutputStream;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
@@ -11,14 +15,17 @@ import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramFiles;
 
 /**
- * A picture file with metadata: a GIF, PNG or JPEG. The file's extension decides which ({@code
- * .gif}, {@code .png}, {@code .jpg} or {@code .jpeg}, in any case). Pictures of at most 2,097,152
- * bytes and 960 by 960 pixels can be read.
+ * A picture with metadata, a GIF, PNG or JPEG: in a file or in memory. The file's extension decides
+ * its kind ({@code .gif}, {@code .png}, {@code .jpg} or {@code .jpeg}, in any case), and the
+ * signature that of bytes. Pictures of at most 2,097,152 bytes and 960 by 960 pixels can be read.
  *
  * <pre>{@code
  * Picture picture = Picture.read(new File("heart.png"));
  * picture.write(picture.info().withLabel("heart").withTag("color", "red"));
  * }</pre>
+ *
+ * <p>A picture in memory can do the same. A {@link #write} changes nothing but this object;
+ * {@link #toBytes} and {@link #writeTo} give its bytes away.
  *
  * <p>A picture knows the metadata that it has read or written last, and does not overwrite the
  * changes of others: see {@link #write}. It may be used from any thread.
@@ -89,6 +96,61 @@ public final class Picture {
   }
 
   /**
+   * Reads the metadata of a picture that is bytes. Their signature shows its kind.
+   *
+   * @param bytes the picture, which is not copied: do not change the array while the picture is in
+   *     use. {@link #write} does not change it, but makes a new one
+   * @return the picture
+   * @throws PictureException when the bytes cannot be read
+   */
+  public static Picture read(byte[] bytes) throws PictureException {
+    return read(new MemoryStorage(bytes, null));
+  }
+
+  /**
+   * Reads the metadata of a picture that is bytes, and of a known kind.
+   *
+   * @param bytes the picture, which is not copied
+   * @param kind its kind
+   * @return the picture
+   * @throws PictureException when the bytes cannot be read
+   */
+  public static Picture read(byte[] bytes, Kind kind) throws PictureException {
+    return read(new MemoryStorage(bytes, Objects.requireNonNull(kind, "kind")));
+  }
+
+  /**
+   * Reads the metadata of a picture from a stream, up to the stream's end. A stream of more than
+   * 2,097,152 bytes fails with {@link Status#TOO_LARGE} and is not read to its end. The picture is
+   * then in memory: see {@link #writeTo}.
+   *
+   * @param in the stream, which is not closed
+   * @return the picture
+   * @throws PictureException when the bytes cannot be read as a picture
+   * @throws IOException when the stream cannot be read
+   */
+  public static Picture read(InputStream in) throws IOException {
+    return read(Streams.read(in));
+  }
+
+  /**
+   * Reads the metadata of a picture from a descriptor, from its position to its end, as from a
+   * stream.
+   *
+   * @param descriptor the descriptor, which is not closed
+   * @return the picture
+   * @throws PictureException when the bytes cannot be read as a picture
+   * @throws IOException when the descriptor cannot be read
+   */
+  public static Picture read(FileDescriptor descriptor) throws IOException {
+    return read(new FileInputStream(Objects.requireNonNull(descriptor, "descriptor")));
+  }
+
+  private static Picture read(MemoryStorage storage) throws PictureException {
+    return readStorages(Collections.singletonList(storage), MemoryStorage::read).get(0).picture();
+  }
+
+  /**
    * Reads the metadata of many pictures, faster than one by one. A file that cannot be read does
    * not stop the others, and none is waited for.
    *
@@ -96,12 +158,25 @@ public final class Picture {
    * @return an unmodifiable list with a result for each file, in the same order
    */
   public static List<ReadResult> readAll(List<File> files) {
-    List<File> all = new ArrayList<>(files);
-    List<ReadResult> results = new ArrayList<>(all.size());
-    for (int start = 0; start < all.size(); start += CHUNK) {
-      readChunk(all.subList(start, Math.min(start + CHUNK, all.size())), results);
+    List<FileStorage> storages = new ArrayList<>(files.size());
+    for (File file : files) {
+      storages.add(new FileStorage(file));
     }
-    return Collections.unmodifiableList(results);
+    return readStorages(storages, FileStorage::read);
+  }
+
+  /**
+   * Reads the metadata of many pictures that are bytes, faster than one by one.
+   *
+   * @param pictures the pictures, of which none is null
+   * @return an unmodifiable list with a result for each picture, in the same order
+   */
+  public static List<ReadResult> readAllBytes(List<byte[]> pictures) {
+    List<MemoryStorage> storages = new ArrayList<>(pictures.size());
+    for (byte[] picture : pictures) {
+      storages.add(new MemoryStorage(picture, null));
+    }
+    return readStorages(storages, MemoryStorage::read);
   }
 
   /**
@@ -131,18 +206,32 @@ public final class Picture {
         : new PictureException(folder, Status.NOT_A_FOLDER);
   }
 
-  private static void readChunk(List<File> files, List<ReadResult> results) {
-    String[] paths = new String[files.size()];
-    LumigramAttrInfo[] attrs = new LumigramAttrInfo[paths.length];
-    long[] fingerprints = new long[2 * paths.length];
-    byte[] codes = new byte[paths.length];
-    for (int i = 0; i < paths.length; i++) {
-      paths[i] = Objects.requireNonNull(files.get(i), "file").getPath();
+  /** Reads a batch, as the native methods do. */
+  private interface BatchReader<S> {
+    int read(List<S> storages, Object[] attrs, long[] fingerprints, byte[] results);
+  }
+
+  private static <S extends Storage> List<ReadResult> readStorages(
+      List<S> storages, BatchReader<S> reader) {
+    List<ReadResult> results = new ArrayList<>(storages.size());
+    for (int start = 0; start < storages.size(); start += CHUNK) {
+      int end = Math.min(start + CHUNK, storages.size());
+      readChunk(storages.subList(start, end), reader, results);
+    }
+    return Collections.unmodifiableList(results);
+  }
+
+  private static <S extends Storage> void readChunk(
+      List<S> storages, BatchReader<S> reader, List<ReadResult> results) {
+    LumigramAttrInfo[] attrs = new LumigramAttrInfo[storages.size()];
+    for (int i = 0; i < attrs.length; i++) {
       attrs[i] = new LumigramAttrInfo();
     }
-    int batchCode = LumigramFiles.readPictures(paths, attrs, fingerprints, codes);
-    for (int i = 0; i < paths.length; i++) {
-      Storage storage = new FileStorage(files.get(i));
+    long[] fingerprints = new long[2 * attrs.length];
+    byte[] codes = new byte[attrs.length];
+    int batchCode = reader.read(storages, attrs, fingerprints, codes);
+    for (int i = 0; i < attrs.length; i++) {
+      Storage storage = storages.get(i);
       int code = batchCode != 0 ? batchCode : codes[i];
       if (code != 0) {
         results.add(new ReadResult(storage.failure(code, false, 0)));
@@ -155,9 +244,14 @@ public final class Picture {
     }
   }
 
-  /** {@return the picture's file, as the caller named it} */
+  /** {@return the picture's file, as the caller named it; null for a picture in memory} */
   public File file() {
     return storage.file();
+  }
+
+  /** {@return the picture's kind; null when the extension of its file is another one} */
+  public Kind kind() {
+    return storage.kind();
   }
 
   /**
@@ -247,8 +341,9 @@ public final class Picture {
     requireSamePicture(info.origin());
     State seen = state;
     long[] details = new long[Unread.KINDS];
-    int code = storage.write(Attributes.toUpdate(info), seen == null ? null : seen.fingerprint,
-        info.origin() == null, details);
+    byte[][] newBlobs = Attributes.newBlobs(storage.file(), info);
+    int code = storage.write(Attributes.toUpdate(info), newBlobs,
+        seen == null ? null : seen.fingerprint, info.origin() == null, details);
     if (code != 0) throw refusal(info, code, details);
     state = new State(info.asWritten().readFrom(storage), details[0], details[1], details[2]);
   }
@@ -279,8 +374,8 @@ public final class Picture {
     }
     if (isSame) return;
     throw new PictureException(storage.file(), Status.UNREAD,
-        "The metadata was read from another picture, " + origin.file()
-            + ", and asNew() not called");
+        "The metadata was read from another picture"
+            + (origin.file() == null ? "" : ", " + origin.file()) + ", and asNew() not called");
   }
 
   /**
@@ -311,24 +406,64 @@ public final class Picture {
    *
    * @param label the blob's label, or its beginning; empty for any
    * @param name the blob's name, or its beginning; empty for any
-   * @return the blob's bytes; null when there is no such blob
+   * @return the blob's bytes, or nothing when there is no such blob
    * @throws PictureException when the file cannot be read
    */
-  public byte[] blob(String label, String name) throws PictureException {
+  public OptionalBlob blob(String label, String name) throws PictureException {
     Objects.requireNonNull(label, "label");
     Objects.requireNonNull(name, "name");
     int[] status = {0};
     byte[] bytes = storage.readBlob(label, name, status);
-    if (status[0] == NO_BLOB) return null;
+    if (status[0] != 0 && status[0] != NO_BLOB) throw storage.failure(status[0], false, 0);
+    return new OptionalBlob(bytes);
+  }
+
+  /**
+   * Lists the blobs of the picture as it is now: those whose label begins with "EMJ", whether or
+   * not a tag refers to them.
+   *
+   * @return an unmodifiable list, in stored order
+   * @throws PictureException when the file cannot be read
+   */
+  public List<Blob> blobs() throws PictureException {
+    int[] status = {0};
+    String[] texts = storage.listBlobs(status);
     if (status[0] != 0) throw storage.failure(status[0], false, 0);
-    return bytes;
+    List<Blob> blobs = new ArrayList<>(texts.length / 3);
+    for (int i = 0; i < texts.length; i += 3) {
+      blobs.add(new Blob(texts[i], texts[i + 1], Integer.parseInt(texts[i + 2])));
+    }
+    return Collections.unmodifiableList(blobs);
+  }
+
+  /**
+   * {@return the bytes of the picture as it is now: a new array}
+   *
+   * @throws IOException when the file cannot be read
+   */
+  public byte[] toBytes() throws IOException {
+    return storage.bytes().clone();
+  }
+
+  /**
+   * Writes the bytes of the picture as it is now.
+   *
+   * @param out receives the bytes; it is not closed
+   * @throws IOException when the file cannot be read or the stream not written
+   */
+  public void writeTo(OutputStream out) throws IOException {
+    out.write(storage.bytes());
   }
 
   /** {@return the file and its metadata as text for people to read} */
   @Override
   public String toString() {
     State now = state;
-    return storage.file() + (now == null ? "" : ": " + now.info);
+    return name() + (now == null ? "" : ": " + now.info);
+  }
+
+  private String name() {
+    return storage.file() == null ? "picture in memory" : storage.file().toString();
   }
 
   private State known(State now) {
@@ -341,6 +476,6 @@ public final class Picture {
   }
 
   private IllegalStateException notRead() {
-    return new IllegalStateException(storage.file() + " was not read: use Picture.read");
+    return new IllegalStateException(name() + " was not read: use Picture.read");
   }
 }

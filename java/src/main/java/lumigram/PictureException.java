@@ -11,7 +11,7 @@ import java.io.IOException;
 public class PictureException extends IOException {
   private static final long serialVersionUID = 1;
 
-  /** The file as the caller named it. */
+  /** The file as the caller named it, or null. */
   private final File file;
 
   /** The kind of failure. */
@@ -23,7 +23,7 @@ public class PictureException extends IOException {
   /**
    * Makes a failure with the sentence of its status.
    *
-   * @param file the picture's file
+   * @param file the picture's file; null for a picture that is not in a file
    * @param status the kind of failure
    */
   public PictureException(File file, Status status) {
@@ -33,18 +33,18 @@ public class PictureException extends IOException {
   /**
    * Makes a failure with a sentence of its own.
    *
-   * @param file the picture's file
+   * @param file the picture's file; null for a picture that is not in a file
    * @param status the kind of failure
    * @param sentence the exact reason, without a full stop
    */
   public PictureException(File file, Status status, String sentence) {
-    super(file + ": " + sentence + " (" + status + ", " + status.code() + ")");
+    super((file == null ? "picture in memory" : file) + ": " + sentence + " (" + status + ", " + status.code() + ")");
     this.file = file;
     this.status = status;
     this.sentence = sentence;
   }
 
-  /** {@return the picture's file, as the caller named it} */
+  /** {@return the picture's file, as the caller named it; null when it is not in a file} */
   public File file() {
     return file;
   }

@@ -210,6 +210,19 @@ public final class PictureInfo {
   }
 
   /**
+   * Adds a new blob, and the tag that refers to it.
+   *
+   * @param name the tag's name
+   * @param blobLabel the kind of the blob: begins with "EMJ" and has at most 11 bytes
+   * @param blobName the blob's name
+   * @param blobBytes the blob's bytes, which are copied
+   * @return the new metadata
+   */
+  public PictureInfo withBlob(String name, String blobLabel, String blobName, byte[] blobBytes) {
+    return withTag(Tag.ofBlob(name, blobLabel, blobName, blobBytes));
+  }
+
+  /**
    * Replaces all tags. A write removes a blob to which none of the new tags refers.
    *
    * @param tags the new ones, of which none is null

@@ -2,7 +2,7 @@ package lumigram;
 
 import java.io.File;
 
-/** The result for one file of a batch: a picture, or the reason why there is none. */
+/** The result for one picture of a batch: a picture, or the reason why there is none. */
 public final class ReadResult {
   private final File file;
   private final Picture picture;
@@ -30,7 +30,7 @@ public final class ReadResult {
     this.failure = failure;
   }
 
-  /** {@return the file, as the caller named it} */
+  /** {@return the file, as the caller named it; null for a picture that is not in a file} */
   public File file() {
     return file;
   }

@@ -1,6 +1,7 @@
 package lumigram;
 
 import java.io.File;
+import java.io.IOException;
 import lumigram.jni.LumigramAttrUpdate;
 
 /** The place of a picture's bytes. */
@@ -15,13 +16,14 @@ abstract class Storage {
    * Replaces the metadata of the picture.
    *
    * @param update the new metadata
+   * @param newBlobs the bytes of new blobs, each at the index of its tag
    * @param expected the fingerprint that the picture must have; null for any
    * @param replacesUnread whether to remove what could not be read
    * @param details receives the numbers that {@link lumigram.jni.LumigramFiles#writePicture} stores
    * @return a result of that method
    */
-  abstract int write(
-      LumigramAttrUpdate update, long[] expected, boolean replacesUnread, long[] details);
+  abstract int write(LumigramAttrUpdate update, byte[][] newBlobs, long[] expected,
+      boolean replacesUnread, long[] details);
 
   /**
    * Looks up the tags of one name.
@@ -41,6 +43,21 @@ abstract class Storage {
    * @return the bytes; null when there are none
    */
   abstract byte[] readBlob(String label, String name, int[] status);
+
+  /**
+   * Lists the blobs.
+   *
+   * @param status receives the status in its first element
+   * @return three texts for each blob; null after a failure
+   */
+  abstract String[] listBlobs(int[] status);
+
+  /**
+   * {@return the bytes of the picture, which the caller does not change}
+   *
+   * @throws IOException when they cannot be read
+   */
+  abstract byte[] bytes() throws IOException;
 
   /**
    * {@return the reason of a failure}

@@ -1,6 +1,8 @@
 package lumigram;
 
 import java.io.File;
+import java.io.FileInputStream;
+import java.io.IOException;
 import java.util.Objects;
 
 /**
@@ -15,12 +17,14 @@ public final class Tag {
   private final String content;
   private final String blobLabel;
   private final File blobFile;
+  private final byte[] blobBytes;
 
-  private Tag(String name, String content, String blobLabel, File blobFile) {
+  private Tag(String name, String content, String blobLabel, File blobFile, byte[] blobBytes) {
     this.name = Objects.requireNonNull(name, "name");
     this.content = Objects.requireNonNull(content, "content");
     this.blobLabel = blobLabel;
     this.blobFile = blobFile;
+    this.blobBytes = blobBytes;
   }
 
   /**
@@ -32,7 +36,7 @@ public final class Tag {
    * @param content at most 1,024 bytes
    */
   public Tag(String name, String content) {
-    this(name, content, null, null);
+    this(name, content, null, null, null);
   }
 
   /**
@@ -46,7 +50,21 @@ public final class Tag {
    */
   public static Tag ofBlob(String name, String blobLabel, File blobFile) {
     Objects.requireNonNull(blobLabel, "blobLabel");
-    return new Tag(name, THIS_PICTURE + blobFile.getName(), blobLabel, blobFile);
+    return new Tag(name, THIS_PICTURE + blobFile.getName(), blobLabel, blobFile, null);
+  }
+
+  /**
+   * Makes a tag that refers to a new blob of a GIF or PNG picture.
+   *
+   * @param name the tag's name
+   * @param blobLabel the kind of the blob: begins with "EMJ" and has at most 11 bytes
+   * @param blobName the blob's name, of at most 255 bytes
+   * @param blobBytes the bytes, which are copied; not empty
+   * @return the tag
+   */
+  public static Tag ofBlob(String name, String blobLabel, String blobName, byte[] blobBytes) {
+    Objects.requireNonNull(blobLabel, "blobLabel");
+    return new Tag(name, THIS_PICTURE + blobName, blobLabel, null, blobBytes.clone());
   }
 
   /** {@return the tag's name} */
@@ -73,17 +91,34 @@ public final class Tag {
     return blobLabel;
   }
 
-  /** {@return the file of the new blob; null when the tag refers to no new one} */
+  /** {@return the file of the new blob; null when there is none} */
   File blobFile() {
     return blobFile;
   }
 
-  /** {@return whether the tag keeps a blob that the picture carries already} */
-  boolean keepsBlob() {
-    return blobFile == null && blobName() != null;
+  /** {@return the number of bytes of the new blob} */
+  long blobSize() {
+    return blobFile == null ? blobBytes.length : blobFile.length();
   }
 
-  /** Tags are equal when their names and contents are; the file of a new blob does not matter. */
+  /**
+   * {@return the bytes of the new blob, which the caller does not change}
+   *
+   * @throws IOException when its file cannot be read
+   */
+  byte[] blobBytes() throws IOException {
+    if (blobFile == null) return blobBytes;
+    try (FileInputStream in = new FileInputStream(blobFile)) {
+      return Streams.read(in);
+    }
+  }
+
+  /** {@return whether the tag refers to a new blob} */
+  boolean addsBlob() {
+    return blobLabel != null;
+  }
+
+  /** Tags are equal when their names and contents are; the bytes of a new blob do not matter. */
   @Override
   public boolean equals(Object other) {
     if (!(other instanceof Tag)) return false;

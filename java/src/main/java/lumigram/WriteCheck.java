@@ -135,7 +135,7 @@ final class WriteCheck {
       Tag tag = info.tags().get(i);
       if (tag.blobName() == null) continue;
       String field = "tag " + (i + 1) + ": the blob \"" + tag.blobName() + "\"";
-      if (tag.keepsBlob()) continue;
+      if (!tag.addsBlob()) continue;
       checkNewBlob(field, tag);
       checkNameOfNewBlob(field, i);
     }
@@ -146,14 +146,15 @@ final class WriteCheck {
     if (kind == Kind.JPEG) throw unusable(field + " has no place in a JPEG");
     checkText(field, tag.blobName(), MAX_BLOB_NAME_BYTES, NO_LIMIT);
     checkText(field + ": its label", tag.blobLabel(), MAX_BLOB_LABEL_BYTES, NO_LIMIT);
-    int pathBytes = ModifiedUtf8.bytes(source.getAbsolutePath());
-    checkLength(field + ": its path", pathBytes, MAX_CONTENT_BYTES, "bytes");
     if (!tag.blobLabel().startsWith(BLOB_MARK)) {
       // The next write would take it for another program's data and keep it beside the new one.
       throw unusable(field + " has a label that does not begin with " + BLOB_MARK);
     }
-    if (!source.isFile()) throw unusable(field + ": there is no file " + source);
-    if (source.length() == 0) throw unusable(field + ": its file is empty");
+    if (source != null && !source.isFile()) {
+      throw unusable(field + ": there is no file " + source);
+    }
+    if (tag.blobSize() == 0) throw unusable(field + " is empty");
+    if (tag.blobSize() > Streams.MAX_BYTES) throw unusable(field + " is over 2 MiB");
   }
 
   /** A beginning of a name finds a blob, so no name may be the beginning of another. */

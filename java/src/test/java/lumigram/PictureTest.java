@@ -5,8 +5,9 @@ import static lumigram.jni.LumigramJni.*;
 import static org.junit.jupiter.api.Assertions.*;
 
 import java.awt.image.BufferedImage;
-import java.io.File;
-import java.nio.file.Files;
+import java.io.*;
+import java.net.URI;
+import java.nio.file.*;
 import java.util.*;
 import javax.imageio.ImageIO;
 import lumigram.jni.LumigramAttrInfo;
@@ -106,10 +107,10 @@ class PictureTest {
     assertArrayEquals(written, Files.readAllBytes(file.toPath()));
 
     picture = written(file, picture.info().withoutTags("empty").withLabels(List.of()));
-    byte[] bytes = picture.blob("EMJMOTION", "data.bin");
+    byte[] bytes = picture.blob("EMJMOTION", "data.bin").orElse(null);
     assertArrayEquals(kind.equals("jpg") ? null : new byte[700], bytes);
     picture.write(picture.info().withoutTags("motion"));
-    assertArrayEquals(null, picture.blob("EMJ", ""));
+    assertFalse(picture.blob("EMJ", "").isPresent());
   }
 
   /** Everything as large as it may be, but for the document. */
@@ -298,6 +299,96 @@ class PictureTest {
       assertTrue(e.getMessage().endsWith(words), e::getMessage);
       assertEquals(file, e.file());
       assertTrue(failure == null || failure.getMessage().equals(e.getMessage()), e::getMessage);
+    }
+  }
+
+  @ParameterizedTest
+  @ValueSource(strings = {"gif", "png", "jpg"})
+  void bytesAreWrittenLikeFiles(String kind) throws Exception {
+    File file = picture(kind);
+    byte[] first = Files.readAllBytes(file.toPath());
+    Picture memory = Picture.read(first);
+    assertEquals(Picture.read(file).kind(), memory.kind());
+    byte[] data = {1, 2, 3};
+    boolean hasBlobs = !kind.equals("jpg");
+    PictureInfo info = hasBlobs
+        ? RICH.withBlob("t", "EMJx", "name", data).withBlob("u", "EMJy", blob()) : RICH;
+    written(file, info);
+    memory.write(info);
+    assertArrayEquals(Files.readAllBytes(file.toPath()), memory.toBytes());
+    assertArrayEquals(Picture.at(file).toBytes(), memory.toBytes());
+    assertNotEquals(first.length, memory.fileSize());
+    assertEquals(List.of("red"), memory.tag("color"));
+    for (Picture picture : List.of(Picture.at(file), memory)) {
+      String blobs = "[EMJx name, 3 bytes, EMJy data.bin, 700 bytes]";
+      assertEquals(hasBlobs ? blobs : "[]", picture.blobs().toString());
+      assertArrayEquals(hasBlobs ? data : null, picture.blob("EMJx", "na").orElse(null));
+      assertThrows(NoSuchElementException.class, () -> picture.blob("EMJ", "none").bytes());
+    }
+    ByteArrayOutputStream out = new ByteArrayOutputStream();
+    memory.writeTo(out);
+    List<ReadResult> read = Picture.readAllBytes(List.of(out.toByteArray(), first, new byte[1]));
+    assertEquals(memory.info(), read.get(0).picture().info());
+    assertEquals(NEW, read.get(1).picture().info());
+    assertEquals(7, read.get(1).picture().width());
+    assertEquals(Status.UNSUPPORTED_TYPE, read.get(2).status());
+    assertEquals("picture in memory: " + memory.info(), memory.toString());
+    PictureException e = assertThrows(
+        PictureException.class, () -> Picture.read(first).write(memory.info()));
+    assertTrue(e.getMessage().contains("another picture, and asNew()"), e::getMessage);
+    Picture changed = Picture.read(first);
+    Arrays.fill(first, (byte) 9);
+    e = assertThrows(PictureException.class, () -> changed.write(RICH));
+    assertEquals(Status.CHANGED, e.status());
+  }
+
+  @Test
+  void failuresOfBytesSayWhatTheyAre() throws Exception {
+    byte[] png = Files.readAllBytes(picture("png").toPath());
+    byte[] large = Arrays.copyOf(png, 1 << 21);
+    assertEquals(1 << 21, Picture.read(new ByteArrayInputStream(large)).fileSize());
+    Object[][] rows = {
+        {"", null, "no bytes (EMPTY, 14)"},
+        {new String(large, ISO_8859_1) + "x", null, "over 2 MiB (TOO_LARGE, 15)"},
+        {"text", null, "holds text, not a picture (OTHER_CONTENT, 16)"},
+        {"RIFF1234WEBP", null, "holds a WebP picture, which is not supported (OTHER_CONTENT, 16)"},
+        {"\1\2\3", null, "no GIF, PNG or JPEG picture (UNSUPPORTED_TYPE, -21)"},
+        {PNG, null, "The picture is damaged or cut short (DAMAGED, -30)"},
+        {new String(png, ISO_8859_1), Kind.JPEG, "holds a PNG picture (OTHER_CONTENT, 16)"},
+    };
+    for (Object[] row : rows) {
+      byte[] bytes = ((String) row[0]).getBytes(ISO_8859_1);
+      PictureException e = assertThrows(PictureException.class,
+          () -> {
+            if (row[1] == null) Picture.read(bytes);
+            else Picture.read(bytes, (Kind) row[1]);
+          }, (String) row[2]);
+      assertEquals("picture in memory: " + row[2], e.getMessage());
+      assertNull(e.file());
+    }
+    InputStream endless = new SequenceInputStream(
+        new ByteArrayInputStream(large), new ByteArrayInputStream(large));
+    assertThrows(PictureException.class, () -> Picture.read(endless));
+    assertEquals((1 << 21) - 1, endless.readAllBytes().length);
+  }
+
+  @Test
+  void descriptorsAndPathsAreRead() throws Exception {
+    File file = picture("gif");
+    written(file, RICH);
+    try (RandomAccessFile raw = new RandomAccessFile(new File(folder, "two"), "rw")) {
+      raw.write(new byte[10]);
+      raw.write(Files.readAllBytes(file.toPath()));
+      raw.seek(10);
+      assertEquals(RICH, Picture.read(raw.getFD()).info());
+      assertEquals(raw.length(), raw.getFilePointer());
+    }
+    assertEquals(file, PicturePaths.read(file.toPath()).file());
+    assertEquals(RICH, PicturePaths.readAll(List.of(file.toPath())).get(0).picture().info());
+    URI archive = URI.create("jar:" + new File(folder, "a.zip").toURI());
+    try (FileSystem zip = FileSystems.newFileSystem(archive, Map.of("create", "true"))) {
+      Path inside = Files.copy(file.toPath(), zip.getPath("/a.gif"));
+      assertEquals(RICH, PicturePaths.read(inside).info());
     }
   }
 

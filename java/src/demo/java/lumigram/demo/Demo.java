@@ -40,6 +40,8 @@ public final class Demo {
     good &= Blobs.show(batch, out);
     out.println();
     good &= WriteAndReadBack.show(batch, out);
+    out.println();
+    good &= InMemory.show(out);
     return good;
   }
 

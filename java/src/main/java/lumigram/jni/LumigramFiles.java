@@ -53,6 +53,9 @@ public final class LumigramFiles {
    *
    * @param path the picture's path
    * @param attr the metadata, as for {@link LumigramJni#setLumigramAttrInfo}
+   * @param newBlobs the bytes of new blobs, each at the index of its tag, which has a blob label and
+   *     a URI that ends with the blob's name; null elements and a null array for none. No file is
+   *     opened
    * @param expected the two numbers of the fingerprint that the picture must have; null for any
    * @param replacesUnread whether the write may remove what a read withholds, and metadata that
    *     cannot be read
@@ -68,8 +71,8 @@ public final class LumigramFiles {
    *     LumigramJni#setLumigramAttrInfo} returns them; -20: the file is missing or cannot be read;
    *     -30, -31, -41, -42, -99 as reading the old picture or building the new one ended
    */
-  public static native int writePicture(
-      String path, Object attr, long[] expected, boolean replacesUnread, long[] details);
+  public static native int writePicture(String path, Object attr, byte[][] newBlobs,
+      long[] expected, boolean replacesUnread, long[] details);
 
   /**
    * Looks up one tag group of one picture, as {@link LumigramJni#getLumigramTagInfo} does, but does
@@ -96,6 +99,16 @@ public final class LumigramFiles {
    */
   public static native byte[] readBlob(
       String path, String labelName, String fileName, int[] status);
+
+  /**
+   * Lists the blobs of a picture.
+   *
+   * @param path the picture's path
+   * @param status receives in its first element 0, or the status of a failure
+   * @return three texts for each blob, in stored order: label, name, number of bytes; null unless
+   *     the status is 0
+   */
+  public static native String[] listBlobs(String path, int[] status);
 
   /**
    * Finds out, after a failure, what is wrong with a file.
