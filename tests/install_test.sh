@@ -61,8 +61,8 @@ awk '/^```/ { if (inside) exit; inside = 1; next } inside' "$root/README.md" >Tr
 same "the README's example" $'ハート\nlove ❤' "$(bash -c "$(grep -m 1 '^ *java ' "$root/README.md")" 2>&1)"
 
 cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb)
-pom_version=$(sed -n 's/^  <version>\(.*\)<.*/\1/p' "$root/java/pom.xml")
-same "the package" "lumigram_${pom_version}_$(dpkg --print-architecture).deb needs libc6" \
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:[A-Z]*=//p' "$build/CMakeCache.txt")
+same "the package" "lumigram_${version}_$(dpkg --print-architecture).deb needs libc6" \
   "${deb##*/} needs $(dpkg-deb -f "$deb" Depends | grep -ow libc6)"
 same "packed files" "$files" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
 [ $failures -eq 0 ]

@@ -33,19 +33,23 @@ final class BundledLibrary {
   private final String machine;
   private final String fileName;
 
-  /** The library with this file name, for the machine that runs the program. */
+  /**
+   * Names the library for the machine that runs the program.
+   *
+   * @param fileName the library's file name
+   */
   BundledLibrary(String fileName) {
     machine = System.getProperty("os.name").toLowerCase(Locale.ROOT) + "/"
         + architecture(System.getProperty("os.arch"));
     this.fileName = fileName;
   }
 
-  /** The machine: system and architecture, as the folders in the jar are named. */
+  /** {@return system and architecture, as the folders in the jar are named} */
   String machine() {
     return machine;
   }
 
-  /** Whether the jar has the library. */
+  /** {@return whether the jar has the library} */
   boolean exists() {
     return BundledLibrary.class.getResource(resource()) != null;
   }
