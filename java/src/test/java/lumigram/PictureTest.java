@@ -75,10 +75,33 @@ class PictureTest {
   }
 
   @Test
-  void statusesAreThoseOfTheLibrary() {
-    for (int code = -127; code < 0; code++) {
+  void statusesAndPartsOfSpeechAreThoseOfTheLibrary() throws Exception {
+    Map<Integer, String> words = new HashMap<>();
+    for (String line : Files.readAllLines(Path.of("tests/status_words.txt"))) {
+      words.put(Integer.valueOf(line.split(" ")[0]), line.split(" ", 2)[1]);
+    }
+    for (int code = -127; code <= 0; code++) {
       if (LumigramStatus.describe(code).startsWith("unknown")) continue;
+      assertEquals(words.get(code), LumigramStatus.describe(code));
       assertEquals(code, Status.of(code).code());
+    }
+    for (byte number : new byte[] {-1, 0, 22}) {
+      assertEquals(PartOfSpeech.NONE, PartOfSpeech.ofNumber(number));
+    }
+  }
+
+  @Test
+  void metadataThatDiffersInOneTextIsNotEqual() {
+    List<PictureInfo> infos = List.of(NEW, NEW.withCategory("a"), NEW.withType("a"),
+        NEW.withLabel("a"), NEW.withLabel("b"), NEW.withLabel("a", "b", PartOfSpeech.NONE),
+        NEW.withLabel("a", "", PartOfSpeech.NOUN), NEW.withTag("a", ""), NEW.withTag("b", ""),
+        NEW.withTag("a", "b"), NEW.withTag("a", "").withTag("a", ""));
+    for (PictureInfo info : infos) {
+      for (PictureInfo other : infos) {
+        assertEquals(info == other, info.equals(other), info + " and " + other);
+      }
+      assertEquals(info.asNew(), info);
+      assertEquals(info.asNew().hashCode(), info.hashCode());
     }
   }
 
@@ -143,6 +166,7 @@ class PictureTest {
     Tag keep = new Tag("u", "file://THIS/data");
     PictureInfo two = NEW.withTags(List.of(Tag.ofBlob("t", "EMJ", blob()), keep));
     refuses(png, most().withLabel("x"), "11 labels, 1 over the limit of 10 (OVER_LIMIT, 1)");
+    refuses(png, less.withTag("あ", ""), "\" has 11 tags, 1 over the limit");
     refuses(png, less.withTag("g", ""), "\" has 11 tags, 1 over the limit of 10 (OVER_LIMIT, 1)");
     refuses(png, less.withTag("u", "").withTag("v", ""), "11 groups of tags, 1 over");
     refuses(png, NEW.withLabel("n".repeat(25)), "label 1: the name has 25 characters, 1 over");
@@ -151,10 +175,14 @@ class PictureTest {
     refuses(png, NEW.withTag("n", "c".repeat(1025)), "tag 1: the content has 1025 bytes");
     refuses(png, document(10235), "document has 10235 bytes, 1 over the limit of 10234");
     refuses(gif, document(10240), "document has 10240 bytes, 1 over the limit of 10239");
+    PictureInfo each = document(10000).withLabel("n", "note", PartOfSpeech.NOUN);
+    for (int i = 0; i < 2; i++)
+      each = each.withLabel("n".repeat(24), "n".repeat(24), PartOfSpeech.NOUN);
+    refuses(gif, each.withCategory("c").withType("t"), "document has 10317 bytes");
     refuses(png, NEW.withLabel(""), "label 1: the name is empty (NOT_STORABLE, 2)");
     refuses(png, NEW.withLabel("a</name>b"), "label 1: the name holds the markup </name>");
     refuses(png, NEW.withTag("a\">", "x"), "tag 1: the name holds \">");
-    refuses(png, NEW.withType("a\0"), "the type holds U+0000");
+    refuses(png, NEW.withType("\0"), "the type holds U+0000");
     refuses(png, NEW.withType("\uFFFD"), "the type holds U+FFFD");
     refuses(png, NEW.withType("😀\uD83D"), "half a surrogate pair");
     refuses(png, NEW.withBlob("t", "EMJ456789012", blob()), "its label has 12 bytes, 1 over");
@@ -216,9 +244,12 @@ class PictureTest {
     assertEquals("no metadata", Picture.read(picture.file()).info().toString());
     Picture unread = Picture.at(picture.file());
     assertThrows(IllegalStateException.class, unread::info);
+    assertThrows(IllegalStateException.class, unread::fileSize);
     unread.write(NEW.withLabel("three"));
     assertEquals("three", unread.info().toString());
-    assertThrows(IllegalStateException.class, unread::isPop);
+    for (Executable way : new Executable[] {unread::isPop, unread::width, unread::height}) {
+      assertThrows(IllegalStateException.class, way);
+    }
     assertThrows(PictureException.class, () -> picture.write(first));
   }
 
@@ -228,7 +259,8 @@ class PictureTest {
   @CsvSource({"gif,GIF89a,GIF87a,true", "png,IHDR,IHDS,true", "png,<label> in,<label> is,true",
       "gif,one,two,false", "jpg,one,two,false", "png,AAB,AAC,false", "gif,AAB,AAC,false",
       "png,EMJx,EMJy,false", "gif,EMJx,EMJy,false", "gif,data.bin,data.bim,false"})
-  void whatOthersChangeIsNotLost(String kind, String old, String change, boolean written)
+  void
+  whatOthersChangeIsNotLost(String kind, String old, String change, boolean written)
       throws Exception {
     File file = picture(kind);
     File blob = Files.writeString(blob().toPath(), "A".repeat(700) + "B").toFile();
@@ -261,9 +293,12 @@ class PictureTest {
     };
     for (String[] row : rows) {
       File file = new File(pictures, row[0]);
-      if (row[1] == null) assertTrue(file.mkdirs());
-      else if (row[1].equals("mkfifo")) new ProcessBuilder(row[1], file.getPath()).start().waitFor();
-      else Files.writeString(file.toPath(), row[1], ISO_8859_1);
+      if (row[1] == null)
+        assertTrue(file.mkdirs());
+      else if (row[1].equals("mkfifo"))
+        new ProcessBuilder(row[1], file.getPath()).start().waitFor();
+      else
+        Files.writeString(file.toPath(), row[1], ISO_8859_1);
     }
     File good = new File(pictures, "h.jpg");
     assertTrue(picture("jpg").renameTo(good));
@@ -279,7 +314,8 @@ class PictureTest {
     }
     fails(new File("missing.gif"), "no such file (MISSING, 11)", null);
     fails(new File("photo.bmp"), "that could be read (UNSUPPORTED_TYPE, -21)", null);
-    String[][] folders = {{"missing", "no such folder (MISSING, 11)"}, {"h.jpg", "(NOT_A_FOLDER, 18)"}};
+    String[][] folders = {
+        {"missing", "no such folder (MISSING, 11)"}, {"h.jpg", "(NOT_A_FOLDER, 18)"}};
     for (String[] row : folders) {
       File folder = new File(pictures, row[0]);
       PictureException e =
@@ -291,8 +327,12 @@ class PictureTest {
 
   /** Every way to use a file fails with these words. */
   static void fails(File file, String words, PictureException failure) {
-    Executable[] ways = {() -> Picture.readAll(List.of(file)).get(0).picture(),
-        () -> Picture.at(file).tag("color"), () -> Picture.at(file).blob("", ""),
+    Executable[] ways = {()
+                             -> Picture.readAll(List.of(file)).get(0).picture(),
+        ()
+            -> Picture.at(file).tag("color"),
+        ()
+            -> Picture.at(file).blob("", ""),
         () -> Picture.at(file).write(NEW.withTag("t", "file://THIS/x"))};
     for (Executable way : ways) {
       PictureException e = assertThrows(PictureException.class, way, file.getName());
@@ -311,8 +351,8 @@ class PictureTest {
     assertEquals(Picture.read(file).kind(), memory.kind());
     byte[] data = {1, 2, 3};
     boolean hasBlobs = !kind.equals("jpg");
-    PictureInfo info = hasBlobs
-        ? RICH.withBlob("t", "EMJx", "name", data).withBlob("u", "EMJy", blob()) : RICH;
+    PictureInfo info =
+        hasBlobs ? RICH.withBlob("t", "EMJx", "name", data).withBlob("u", "EMJy", blob()) : RICH;
     written(file, info);
     memory.write(info);
     assertArrayEquals(Files.readAllBytes(file.toPath()), memory.toBytes());
@@ -333,8 +373,8 @@ class PictureTest {
     assertEquals(7, read.get(1).picture().width());
     assertEquals(Status.UNSUPPORTED_TYPE, read.get(2).status());
     assertEquals("picture in memory: " + memory.info(), memory.toString());
-    PictureException e = assertThrows(
-        PictureException.class, () -> Picture.read(first).write(memory.info()));
+    PictureException e =
+        assertThrows(PictureException.class, () -> Picture.read(first).write(memory.info()));
     assertTrue(e.getMessage().contains("another picture, and asNew()"), e::getMessage);
     Picture changed = Picture.read(first);
     Arrays.fill(first, (byte) 9);
@@ -358,16 +398,17 @@ class PictureTest {
     };
     for (Object[] row : rows) {
       byte[] bytes = ((String) row[0]).getBytes(ISO_8859_1);
-      PictureException e = assertThrows(PictureException.class,
-          () -> {
-            if (row[1] == null) Picture.read(bytes);
-            else Picture.read(bytes, (Kind) row[1]);
-          }, (String) row[2]);
+      PictureException e = assertThrows(PictureException.class, () -> {
+        if (row[1] == null)
+          Picture.read(bytes);
+        else
+          Picture.read(bytes, (Kind) row[1]);
+      }, (String) row[2]);
       assertEquals("picture in memory: " + row[2], e.getMessage());
       assertNull(e.file());
     }
-    InputStream endless = new SequenceInputStream(
-        new ByteArrayInputStream(large), new ByteArrayInputStream(large));
+    InputStream endless =
+        new SequenceInputStream(new ByteArrayInputStream(large), new ByteArrayInputStream(large));
     assertThrows(PictureException.class, () -> Picture.read(endless));
     assertEquals((1 << 21) - 1, endless.readAllBytes().length);
   }
