@@ -37,32 +37,6 @@ void PrintTally(const Tally& tally, const std::vector<std::pair<Outcome::Type, c
 
 // ---- rewriting ----------------------------------------------------------------------------------
 
-using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&)>;
-
-int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite,
-               Console* console) {
-  const bool dryRun = options.rewrite.dryRun;
-  signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
-  const auto one = [&](const Target& target) -> Outcome {
-    const auto rewriteThis = [&](const Picture& picture) { return rewrite(target, picture); };
-    if (!dryRun) {
-      const bool stored = UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis);
-      return {stored ? Outcome::kWritten : Outcome::kUnchanged, ""};
-    }
-    const Picture picture = ReadPicture(target.path);
-    const std::optional<Picture> built = rewriteThis(picture);
-    if (!built) return {Outcome::kUnchanged, ""};
-    return {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
-  };
-  const Tally tally = RunAll(targets, one, console);
-  PrintTally(tally,
-             {{Outcome::kWritten, dryRun ? "would be written" : "written"},
-              {Outcome::kUnchanged, "unchanged"},
-              {Outcome::kFailed, "failed"}},
-             console);
-  return ExitStatusOf(tally, console);
-}
-
 template <typename Function>
 auto ParseWords(const char* option, const std::string& words, Function function) {
   try {
@@ -171,6 +145,30 @@ int ExitStatusOf(const Tally& tally, Console* console) {
   }
   return tally.counts[Outcome::kFailed] + tally.counts[Outcome::kLosing] == 0 ? kAllWell
                                                                               : kSomeFailed;
+}
+
+int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite,
+               Console* console) {
+  const bool dryRun = options.rewrite.dryRun;
+  signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
+  const auto one = [&](const Target& target) -> Outcome {
+    const auto rewriteThis = [&](const Picture& picture) { return rewrite(target, picture); };
+    if (!dryRun) {
+      const bool stored = UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis);
+      return {stored ? Outcome::kWritten : Outcome::kUnchanged, ""};
+    }
+    const Picture picture = ReadPicture(target.path);
+    const std::optional<Picture> built = rewriteThis(picture);
+    if (!built) return {Outcome::kUnchanged, ""};
+    return {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
+  };
+  const Tally tally = RunAll(targets, one, console);
+  PrintTally(tally,
+             {{Outcome::kWritten, dryRun ? "would be written" : "written"},
+              {Outcome::kUnchanged, "unchanged"},
+              {Outcome::kFailed, "failed"}},
+             console);
+  return ExitStatusOf(tally, console);
 }
 
 int Show(const Options& options, Console* console) {

@@ -2,6 +2,7 @@
 #ifndef LUMIGRAM_CLI_COMMANDS_H_
 #define LUMIGRAM_CLI_COMMANDS_H_
 
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -27,6 +28,7 @@ struct Options {
   bool recursive = false;
   bool json = false;
   std::string name, label, picture, output, from;
+  std::string copyFrom, copyTo;
   std::vector<std::string> labels, tags, embeds;
   std::optional<std::string> category, type;
   bool filesAnywhere = false;
@@ -43,6 +45,11 @@ int ShowTag(const Options& options, Console* console);
 int Extract(const Options& options, Console* console);
 int Check(const Options& options, Console* console);
 int Clear(const Options& options, Console* console);
+
+// Reads each target, and stores what the function makes of it, which is none if nothing changes.
+// Prints how many were written. Returns the exit status.
+using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&)>;
+int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite, Console* console);
 
 // The exit status after a run over pictures. Reports an interruption.
 int ExitStatusOf(const Tally& tally, Console* console);

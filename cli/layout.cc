@@ -7,10 +7,6 @@
 namespace lumigram::cli {
 namespace {
 
-std::string Unpadded(std::string_view label) {
-  return std::string(label.substr(0, label.find_last_not_of('\0') + 1));
-}
-
 // A blob whose data have not been copied out of the picture yet.
 struct Place {
   Blob blob;
@@ -33,7 +29,7 @@ Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes) {
   std::vector<Place> places;
   const auto collect = [](void* context, const FoundBlob& found) {
     static_cast<std::vector<Place>*>(context)->push_back(
-        {{Unpadded(found.label), std::string(found.name), ""},
+        {{WithoutPadding(found.label), std::string(found.name), ""},
          {{}, {}, found.position, found.size}});
   };
   Layout layout;
@@ -46,6 +42,10 @@ Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes) {
     layout.blobs.push_back(std::move(place.blob));
   }
   return layout;
+}
+
+std::string WithoutPadding(std::string_view text) {
+  return std::string(text.substr(0, text.find_last_not_of('\0') + 1));
 }
 
 }  // namespace lumigram::cli

@@ -5,6 +5,7 @@
 #include <stdint.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/base/kind.h"
@@ -24,6 +25,9 @@ struct Layout {
 
 // Surveys a picture that its reader has accepted, and copies its blobs. Throws Failure.
 Layout LayOut(Kind kind, const std::vector<uint8_t>& bytes);
+
+// A stored text without the NULs that fill its field.
+std::string WithoutPadding(std::string_view text);
 
 }  // namespace lumigram::cli
 

@@ -14,6 +14,7 @@
 
 #include "cli/commands.h"
 #include "cli/console.h"
+#include "cli/copy.h"
 #include "cli/spelling.h"
 
 namespace lumigram::cli {
@@ -81,6 +82,7 @@ class CommandLine {
     AddFind();
     AddExtract();
     AddCheck();
+    AddCopy();
     AddClear();
     AddHelp();
   }
@@ -240,6 +242,20 @@ class CommandLine {
 
   void AddCheck() {
     AddPaths(AddCommand("check", "Report what reading would lose or refuse", Check))->required();
+  }
+
+  void AddCopy() {
+    CLI::App* const app = AddCommand(
+        "copy", "Replace the document and the blobs of a picture by those of another", Copy);
+    AddText(app, "OLD", &options_.copyFrom, "The picture that has them; a folder with -r")
+        ->required();
+    AddText(app, "NEW", &options_.copyTo, "The picture that gets them; a folder with -r")
+        ->required();
+    app->add_flag("-r,--recursive", options_.recursive,
+                  "Copy between pictures of the same path but for the extension");
+    app->add_flag("--without-blobs", options_.rewrite.withoutBlobs,
+                  "Copy no blobs, and no tags that refer to them");
+    AddRewriting(app);
   }
 
   void AddClear() {

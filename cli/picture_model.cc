@@ -118,11 +118,15 @@ Picture InspectPicture(Kind kind, std::vector<uint8_t> bytes) {
     throw Failure(status, noFrame ? "a JPEG without dimensions" : LumigramStatusText(status));
   }
   picture.hasDocument = status == kOk;
-  if (picture.hasDocument) TakeDocument(document, &picture.reading);
+  if (picture.hasDocument) {
+    TakeDocument(document, &picture.reading);
+    picture.document = WithoutPadding({document.data(), document.size()});
+  }
   Layout layout = LayOut(kind, picture.bytes);
   picture.blobs = std::move(layout.blobs);
   FindInBlobs(picture, &picture.reading);
-  FindInSurvey(layout.survey, picture.bytes.size(), &picture.reading);
+  picture.survey = layout.survey;
+  FindInSurvey(picture.survey, picture.bytes.size(), &picture.reading);
   return picture;
 }
 

@@ -19,8 +19,10 @@ struct Picture {
   std::vector<uint8_t> bytes;
   int32_t width = 0, height = 0, pop = 0;
   bool hasDocument = false;
-  Reading reading;  // the findings of the picture as well as those of its document
+  std::string document;  // as stored, without NULs at its end
+  Reading reading;       // the findings of the picture as well as those of its document
   std::vector<Blob> blobs;
+  Survey survey;
 
   const Document& GetDocument() const { return reading.whole; }
   const char* KindName() const;

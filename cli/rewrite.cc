@@ -9,6 +9,7 @@
 #include "core/document/blob_entries.h"
 #include "core/document/document_builder.h"
 #include "core/document/document_format.h"
+#include "core/document/document_walk.h"
 #include "core/file/blobs.h"
 #include "core/write/build_picture.h"
 
@@ -133,6 +134,11 @@ bool AreSame(std::vector<Blob> a, std::vector<Blob> b) {
   return a == b;
 }
 
+void RequireSameBlobs(const Picture& built, const std::vector<Blob>& wanted) {
+  if (AreSame(built.blobs, wanted)) return;
+  throw Failure(kBadBlob, "the new picture would not have the blobs that it should have");
+}
+
 Document WithoutFiles(Document document) {
   for (Tag& tag : document.tags) tag.blob = nullptr;
   return document;
@@ -151,7 +157,7 @@ void BuildText(const Document& document, const AttrInfo& record, XmlStringInfo* 
 }
 
 // Builds the picture in memory; an empty text means no document.
-Picture Build(const Picture& source, const XmlStringInfo& text, const AttrInfo& record) {
+Picture Build(const Picture& source, const XmlStringInfo& text, const RecordToWrite& record) {
   NewPicture built;
   ByteSource original{source.bytes};
   const Status status = BuildPicture(original, source.kind, text, record, &built);
@@ -172,9 +178,7 @@ Picture BuildWith(const Picture& source, const Document& document) {
   if (!built.hasDocument || built.GetDocument() != WithoutFiles(document)) {
     throw Failure(kMalformed, "this picture has no place where a document is read");
   }
-  if (!AreSame(built.blobs, WantedBlobs(document, source.blobs))) {
-    throw Failure(kBadBlob, "the new picture would not have the blobs that it should have");
-  }
+  RequireSameBlobs(built, WantedBlobs(document, source.blobs));
   if (const Finding* const lost = FindRefused(built.reading.findings)) {
     throw Failure(lost->code, "even the new picture would lose something: " + lost->text);
   }
@@ -219,6 +223,79 @@ Document Delivered(const Picture& picture) {
   return document;
 }
 
+// ---- copying ------------------------------------------------------------------------------------
+
+// Leaves out the tags that refer to blobs; all other bytes of the document stay.
+std::string WithoutReferences(std::string_view document) {
+  if (document.empty()) return "";
+  const ElementTags& markup = kRootElements[kTagsElement];
+  std::string kept;
+  const char* from = document.data();
+  std::string_view root, after;
+  (void)SplitDocument(document, &root, &after);
+  FoundElement element;
+  while (TakeElement(kRootElements, &root, &element)) {
+    std::string_view name, content;
+    const bool isTag =
+        element.index == kTagsElement && SplitTagGroup(element.content, &name, &content);
+    if (!isTag || !RefersToThisPicture(content)) continue;
+    kept.append(from, element.content.data() - markup.start.size());
+    from = element.content.data() + element.content.size() + markup.end.size();
+  }
+  return kept.append(from, document.data() + document.size());
+}
+
+// Whether a picture has metadata that are not among these.
+bool HasOther(const Picture& picture, const std::string& document, const std::vector<Blob>& blobs) {
+  const auto isOther = [&blobs](const Blob& blob) {
+    return std::find(blobs.begin(), blobs.end(), blob) == blobs.end();
+  };
+  return (picture.hasDocument && picture.document != document) || picture.survey.documents > 1 ||
+         picture.survey.brokenBlobs > 0 ||
+         std::any_of(picture.blobs.begin(), picture.blobs.end(), isOther);
+}
+
+uint64_t SizeOf(const std::vector<Blob>& blobs) {
+  uint64_t size = 0;
+  for (const Blob& blob : blobs) size += blob.bytes.size();
+  return size;
+}
+
+// The reasons for which a writer would refuse the blobs with less clear words.
+void RequireCarried(const std::vector<Blob>& blobs, const std::string& document,
+                    const Picture& picture) {
+  if (blobs.empty()) return;
+  if (BlobFunctionsOf(picture.kind) == nullptr) {
+    throw Failure(kBadBlob, std::string("a ") + picture.KindName() +
+                                " picture carries no blobs; --without-blobs copies the rest");
+  }
+  if (document.empty()) throw Failure(kBadBlob, "blobs are not written without a document");
+  if (blobs.size() > kLumigramMaxTags) throw Failure(kBadBlob, "the limit is 100 blobs");
+  for (const Blob& blob : blobs) {
+    if (blob.name.empty()) throw Failure(kBadBlob, "a blob has no name");
+    if (blob.bytes.empty()) throw Failure(kBadBlob, "blob " + Quoted(blob.name) + " is empty");
+  }
+  if (picture.bytes.size() - SizeOf(picture.blobs) + SizeOf(blobs) > kLumigramMaxPictureBytes) {
+    throw Failure(kPictureTooLarge, "the picture would be over 2 MiB");
+  }
+}
+
+Picture BuildCopy(const Picture& picture, const std::string& document,
+                  const std::vector<Blob>& blobs) {
+  const auto text = std::make_unique<XmlStringInfo>();
+  text->length = static_cast<int32_t>(document.copy(text->text, sizeof text->text));
+  const auto record = std::make_unique<AttrInfo>();
+  std::vector<BlobBytes> bytes;
+  for (const Blob& blob : blobs) {
+    AppExtEntry& entry = record->appExt[bytes.size()];
+    CopyText(entry.labelName, blob.label);
+    CopyText(entry.fileName, blob.name);
+    bytes.push_back({reinterpret_cast<const uint8_t*>(blob.bytes.data()), blob.bytes.size()});
+  }
+  const NewBlobs inMemory = {bytes.data(), static_cast<uint32_t>(bytes.size()), 0};
+  return Build(picture, *text, RecordToWrite(*record, inMemory));
+}
+
 }  // namespace
 
 std::optional<Picture> SetPicture(const Picture& picture, const Changes& changes,
@@ -249,6 +326,25 @@ std::optional<Picture> ClearPicture(const Picture& picture, const RewriteOptions
   if (built.hasDocument || !built.blobs.empty()) {
     throw Failure(kMalformed, "the document is in a place from which it cannot be removed");
   }
+  return UnlessSame(picture, std::move(built));
+}
+
+std::optional<Picture> CopyMetadata(const Picture& source, const Picture& picture,
+                                    const RewriteOptions& options) {
+  const bool all = !options.withoutBlobs;
+  const std::string document = all ? source.document : WithoutReferences(source.document);
+  const std::vector<Blob> blobs = all ? source.blobs : std::vector<Blob>();
+  if (picture.document == document && AreSame(picture.blobs, blobs)) return std::nullopt;
+  RequireCarried(blobs, document, picture);
+  if (!options.force && HasOther(picture, document, blobs)) {
+    throw Failure(kBadArgument, "has other metadata of its own; --force replaces them");
+  }
+  RequireNothingLost(picture, Finding::kDropped, options);
+  Picture built = BuildCopy(picture, document, blobs);
+  if (built.document != document) {
+    throw Failure(kMalformed, "this picture has no place where the document is read");
+  }
+  RequireSameBlobs(built, blobs);
   return UnlessSame(picture, std::move(built));
 }
 

@@ -127,6 +127,11 @@ COMMANDS = [
     ("find --type anime -r cut.png [sub]", 2, "[sub]/w.gif\n", "!cut.png: damaged or truncated picture (-30)\n"),
     ("find -0 --label [ --note '' wink.gif", 1),
     ("find -0 wink.gif star.png", 0, "wink.gif\0star.png\0"),
+    ("copy smile.gif sun.jpg", 1, "!sun.jpg: a JPEG picture carries no blobs; --without-blobs copies the rest (-99)\n"),
+    ("copy wink.gif star.png", 1, "!star.png: has other metadata of its own; --force replaces them (-99)\n"),
+    ("copy cut.png plain.png", 1, "!plain.png: cut.png: damaged or truncated picture (-30)\n"),
+    ("copy -n wink.gif plain.png", 0, "+\tlabel\twink\t😉\tverbal-noun\n", "1 would be written\n"),
+    ("copy -r [sub] star.png", 2, '!lumigram: copy: "star.png" is not a folder\n'),
     ("tag color smile.gif star.png", 0, "smile.gif\t黄色\nstar.png\tvalue 0\n"),
     ("tag color smile.gif", 0, "yellow\n黄色\n"),
     ("show -r [sub]", 0, "\ttag\tcolor\tgold\n[sub]/a.gif\tpicture", "\n[sub]/deep/sun.jpg\tpicture", "\n[sub]/w.gif\tpicture"),
@@ -310,6 +315,55 @@ def test_find(folder):
         found = run(f"find {conditions} {FOUND}")
         report(f"find {conditions}", found != (0 if expected.strip("0") else 1, "".join(word + "\n" for word in expected.split()), "") and found)
     report("find when standard output is full", subprocess.run(f"'{TOOL}' find wink.gif >/dev/full", shell=True, capture_output=True).returncode != 2)
+
+
+COPY = ["--force plain.png star.png", "sun.jpg -- plain.png", "smile.gif star.png", "--force heart.png smile.gif", "--force long.png rain.gif"]
+# What is in two folders, by the samples, and what `copy -r --force` says about them.
+OLD = {"a.gif": "smile.gif", "sub/b.png": "heart.png", "c.gif": "wink.gif", "c.png": "heart.png", "d.png": "heart.png", "e.gif": "wink.gif",
+       "f.gif": "smile.gif", "g.gif": "smile.gif"}
+NEW = {"a.png": "plain.png", "sub/b.GIF": "classic.gif", "c.png": "plain.png", "d.jpg": "sun.jpg", "d.png": "plain.png", "f.png": "plain.png", "h.gif": "wink.gif"}
+SAID = [f"new/{name}: {why} (-99)" for name, why in (
+    ("c.png", "ambiguous: several pictures have this path"), ("d.jpg", "ambiguous: several pictures have this path"),
+    ("d.png", "ambiguous: several pictures have this path"), ("e.gif", "a link that leaves the folder"), ("f.png", "ambiguous: its names have several pictures to copy from"),
+    ("g.png", "ambiguous: its names have several pictures to copy from"), ("h.gif", "unpaired: no picture to copy from"))]
+SAID += [f"old/{name}: {why} (-99)" for name, why in (("c.gif", "ambiguous: several pictures have this path"), ("c.png", "ambiguous: several pictures have this path"),
+         ("d.png", "ambiguous: several pictures have this path"), ("e.gif", "unpaired: no picture to copy to"))]
+
+
+def metadata(path):
+    [shown] = json.loads(run(["show", "--json", path])[1])
+    return [shown[key] for key in ("labels", "category", "type", "tags", "blobs")], [run(["extract", *key, path])[1] for key in
+            ((blob["label"], blob["name"]) for blob in shown["blobs"])]
+
+
+def test_copy(folder):
+    prepare(folder)
+    long = png("x" * 9986 + label("n" * 211))
+    pathlib.Path("long.png").write_bytes(long)
+    for words in COPY:
+        old, new = [word for word in words.split() if "." in word]
+        wanted, picture = metadata(old), contents()[new]
+        done = run(f"copy --backup=.old {words}")
+        report(f"copy {words}", done != (0, "1 written\n", "") and done, metadata(new) != wanted and metadata(new), contents()[new + ".old"] != picture,
+               run(f"copy {words}")[1] != "0 written, 1 unchanged\n")
+        os.remove(new + ".old")
+    report("a document of 10,240 bytes", run("copy --force long.png heart.png")[2] != "heart.png: the document is too long for a PNG picture (-41)\n",
+           b"<emoji>" + b"x" * 248 + b"\xff" not in contents()["rain.gif"])
+    prepare(folder)
+    odd = '<label><name>\xa0</name><odd/></label>\n'.join(("", tags(("t", "u")), tags(("v", "file://THIS/w"))))
+    pathlib.Path("odd.png").write_bytes(png(odd, blob(b"EMJ", b"w")))
+    report("without blobs", run("copy --force --without-blobs odd.png sun.jpg")[1] != "1 written\n", odd.replace(tags(("v", "file://THIS/w")), "").encode() not in contents()["sun.jpg"],
+           run("copy --without-blobs odd.png heart.png")[0] != 1)
+    for tree, names in (("old", OLD), ("new", NEW)):
+        for name, sample in names.items():
+            os.makedirs(os.path.dirname(f"{tree}/{name}"), exist_ok=True)
+            shutil.copy(sample, f"{tree}/{name}")
+    os.symlink("../wink.gif", "new/e.gif")
+    os.link("new/f.png", "new/g.png")
+    before = contents()
+    status, out, err = run("copy -r --force old new/")
+    report("copy folders", (status, out) != (1, "2 written, 11 failed\n") and out, sorted(err.splitlines()) != sorted(SAID) and err, metadata("new/a.png") != metadata("smile.gif"),
+           metadata("new/sub/b.GIF") != metadata("heart.png"), contents() != before, run("find --label '' new/f.png")[0] != 1)
 
 
 def test_losing(folder):
@@ -516,7 +570,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_refused_json, test_from, test_find, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
