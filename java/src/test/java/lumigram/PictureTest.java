@@ -85,6 +85,8 @@ class PictureTest {
       assertEquals(words.get(code), LumigramStatus.describe(code));
       assertEquals(code, Status.of(code).code());
     }
+    Set<Integer> codes = new HashSet<>();
+    for (Status status : Status.values()) assertTrue(codes.add(status.code()), status.name());
     for (byte number : new byte[] {-1, 0, 22}) {
       assertEquals(PartOfSpeech.NONE, PartOfSpeech.ofNumber(number));
     }
@@ -323,6 +325,8 @@ class PictureTest {
       assertTrue(e.getMessage().contains(row[1]), e.getMessage());
     }
     assertEquals(List.of(), Picture.read(picture("jpg")).tag("color"));
+    assertEquals(List.of(), Picture.at(good).tag("n".repeat(256)));
+    assertThrows(NullPointerException.class, () -> Picture.at(good).write(null));
   }
 
   /** Every way to use a file fails with these words. */
