@@ -14,8 +14,6 @@
 namespace lumigram::cli {
 namespace {
 
-constexpr size_t kMaxBlobName = 255;  // the largest size of a GIF sub-block
-
 // Gives a text the spelling that the picture has for it already. If a picture has two spellings of
 // one text, they are used in stored order, so that an unchanged list stays the same.
 class Speller {
@@ -48,11 +46,24 @@ void Assign(const std::string& text, Speller& spell, std::string* stored) {
   if (ToUtf8(*stored) != ToUtf8(text) || !IsJavaSpelling(text)) *stored = spelling;
 }
 
+auto IsNamed(const std::string& name) {
+  return [text = ToUtf8(name)](const Label& label) { return ToUtf8(label.name) == text; };
+}
+
+void RenameLabel(const std::string& from, const std::string& to, Document* document) {
+  auto& labels = document->labels;
+  if (std::none_of(labels.begin(), labels.end(), IsNamed(from))) return;
+  if (std::any_of(labels.begin(), labels.end(), IsNamed(to))) {
+    throw Failure(kBadLabels, "there is a label " + Quoted(to) + " already");
+  }
+  for (Label& label : labels) {
+    if (IsNamed(from)(label)) label.name = to;
+  }
+}
+
 void ApplyLabel(const Changes::LabelChange& change, Speller& spell, Document* document) {
   auto& labels = document->labels;
-  auto label = std::find_if(labels.begin(), labels.end(), [&change](const Label& candidate) {
-    return ToUtf8(candidate.name) == ToUtf8(change.name);
-  });
+  auto label = std::find_if(labels.begin(), labels.end(), IsNamed(change.name));
   if (label == labels.end()) label = labels.insert(label, {spell(change.name), "", ""});
   if (change.note) Assign(*change.note, spell, &label->note);
   if (change.part) Assign(*change.part, spell, &label->part);
@@ -75,11 +86,13 @@ void ApplyTagGroup(const std::string& name, const std::vector<Tag>& changes, Spe
   tags->insert(tags->begin() + place, group.begin(), group.end());
 }
 
-// Takes the text up to the next colon, which stays out of the field. In the text, \: is a colon and
-// \\ a backslash. The rest stays in words. False when there was no such colon.
-bool TakeField(std::string_view* words, std::string* field) {
-  while (!words->empty() && words->front() != ':') {
-    if (BeginsWith(*words, "\\:") || BeginsWith(*words, "\\\\")) words->remove_prefix(1);
+// Takes the text up to the next separator, which stays out of the field. In the text, the separator
+// and a backslash follow a backslash. The rest stays in words. False when there was no separator.
+bool TakeField(char separator, std::string_view* words, std::string* field) {
+  while (!words->empty() && words->front() != separator) {
+    const bool isEscape = words->front() == '\\' && words->size() > 1 &&
+                          ((*words)[1] == separator || (*words)[1] == '\\');
+    if (isEscape) words->remove_prefix(1);
     field->push_back(words->front());
     words->remove_prefix(1);
   }
@@ -109,6 +122,8 @@ Document Apply(const Changes& changes, const Document& document, const Picture& 
       result.tags.push_back({name, spell(tag.content), tag.blob});
     }
   }
+  for (const std::string& name : changes.removedLabels) std::erase_if(result.labels, IsNamed(name));
+  for (const auto& [from, to] : changes.renamedLabels) RenameLabel(from, to, &result);
   for (const auto& change : changes.labels) ApplyLabel(change, spell, &result);
   for (auto tag = changes.tags.begin(); tag != changes.tags.end(); ++tag) {
     const auto isSame = [tag](const Tag& earlier) { return earlier.name == tag->name; };
@@ -128,9 +143,9 @@ Changes::LabelChange ParseLabel(std::string_view words) {
   const std::string text = ParseText(words);
   std::string_view rest = text;
   Changes::LabelChange change;
-  if (TakeField(&rest, &change.name)) {
-    if (TakeField(&rest, &change.note.emplace())) {
-      if (TakeField(&rest, &change.part.emplace())) {
+  if (TakeField(':', &rest, &change.name)) {
+    if (TakeField(':', &rest, &change.note.emplace())) {
+      if (TakeField(':', &rest, &change.part.emplace())) {
         throw Failure(kBadArgument, "expected NAME[:NOTE[:PART]], with \\: for a colon");
       }
       change.part = PartNamed(*change.part);
@@ -138,6 +153,17 @@ Changes::LabelChange ParseLabel(std::string_view words) {
   }
   if (change.name.empty()) throw Failure(kBadArgument, "a label needs a name");
   return change;
+}
+
+std::pair<std::string, std::string> ParseRenaming(std::string_view words) {
+  const std::string text = ParseText(words);
+  std::string_view rest = text;
+  std::pair<std::string, std::string> names;
+  if (!TakeField('=', &rest, &names.first) || TakeField('=', &rest, &names.second) ||
+      names.first.empty() || names.second.empty()) {
+    throw Failure(kBadArgument, "expected OLD=NEW, with \\= for an equals sign");
+  }
+  return names;
 }
 
 Tag ParseTag(std::string_view words) {
@@ -163,23 +189,18 @@ Tag EmbedFile(const std::string& tagName, const std::string& label, const std::s
   if (!BeginsWith(label, kBlobMark) || label.size() > kBlobLabelSize || !IsValidText(label)) {
     throw Failure(kBadArgument, "a blob's label must begin with EMJ and have at most 11 bytes");
   }
-  NewBlob blob;
-  blob.label = label;
-  blob.path = file.find('/') == std::string::npos ? "./" + file : file;
-  const std::string_view path = blob.path;
-  blob.name = ToJava(path.substr(path.rfind('/') + 1));
-  if (blob.path.size() > kLumigramMaxContentBytes || blob.name.size() > kMaxBlobName ||
-      !IsValidText(file)) {
+  Blob blob = {label, ToJava(BlobName(file)), ""};
+  if (blob.name.size() > kMaxBlobName || !IsValidText(file)) {
     throw Failure(kTooLong, "the file's name is too long or is not valid text");
   }
   try {
-    const std::vector<uint8_t> bytes = ReadRegularFile(blob.path);
+    const std::vector<uint8_t> bytes = ReadRegularFile(file);
     blob.bytes.assign(bytes.begin(), bytes.end());
   } catch (const Failure& failure) {
     throw Failure(kBadBlob, Quoted(file) + ": " + failure.what());
   }
   const std::string content = std::string(kThisPicture) + blob.name;
-  return {tagName, content, std::make_shared<const NewBlob>(std::move(blob))};
+  return {tagName, content, std::make_shared<const Blob>(std::move(blob))};
 }
 
 std::string PartNamed(const std::string& words) {

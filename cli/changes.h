@@ -25,7 +25,10 @@ struct Changes {
 
   std::optional<std::vector<Label>> allLabels;
   std::optional<std::vector<Tag>> allTags;
+  std::optional<std::vector<Blob>> allBlobs;
   std::optional<std::string> category, type;
+  std::vector<std::string> removedLabels;
+  std::vector<std::pair<std::string, std::string>> renamedLabels;  // old and new names
   std::vector<LabelChange> labels;  // each changes the label of its name, or adds one
   // The tags of one name replace all tags of that name; an empty content only removes them.
   std::vector<Tag> tags;
@@ -41,12 +44,16 @@ Document Apply(const Changes& changes, const Document& document, const Picture& 
 // These functions parse words of a command line. They throw Failure.
 
 std::string ParseText(std::string_view words);
+// OLD=NEW, where \= is an equals sign.
+std::pair<std::string, std::string> ParseRenaming(std::string_view words);
 // NAME[:NOTE[:PART]], where \: is a colon.
 Changes::LabelChange ParseLabel(std::string_view words);
 // NAME=CONTENT
 Tag ParseTag(std::string_view words);
 // LABEL:TAG=FILE
 Tag ParseEmbed(std::string_view words);
+
+inline constexpr size_t kMaxBlobName = 255;  // the largest size of a GIF sub-block
 
 // Returns a tag that embeds the file. Throws Failure for a label that is not one of ours, and for a
 // file that cannot be read, is empty or is too large.

@@ -50,11 +50,20 @@ Changes ParseChanges(const Options& options) {
   Changes changes;
   if (options.category) changes.category = ParseWords("--category", *options.category, ParseText);
   if (options.type) changes.type = ParseWords("--type", *options.type, ParseText);
+  for (const std::string& words : options.removedLabels) {
+    changes.removedLabels.push_back(ParseWords("--remove-label", words, ParseText));
+  }
+  for (const std::string& words : options.renamedLabels) {
+    changes.renamedLabels.push_back(ParseWords("--rename-label", words, ParseRenaming));
+  }
   for (const std::string& words : options.labels) {
     changes.labels.push_back(ParseWords("--label", words, ParseLabel));
   }
   for (const std::string& words : options.tags) {
     changes.tags.push_back(ParseWords("--tag", words, ParseTag));
+  }
+  for (const std::string& words : options.removedTags) {
+    changes.tags.push_back({ParseWords("--remove-tag", words, ParseText), "", nullptr});
   }
   for (const std::string& words : options.embeds) {
     changes.tags.push_back(ParseWords("--embed", words, ParseEmbed));
@@ -71,6 +80,8 @@ Changes ParseChanges(const Options& options) {
 
 // The changes of the command line are applied after those of the file.
 void AddOptions(const Changes& named, Changes* changes) {
+  changes->removedLabels = named.removedLabels;
+  changes->renamedLabels = named.renamedLabels;
   changes->labels = named.labels;
   changes->tags = named.tags;
   if (named.category) changes->category = named.category;
@@ -152,15 +163,24 @@ int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite
   const bool dryRun = options.rewrite.dryRun;
   signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
   const auto one = [&](const Target& target) -> Outcome {
-    const auto rewriteThis = [&](const Picture& picture) { return rewrite(target, picture); };
-    if (!dryRun) {
-      const bool stored = UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis);
-      return {stored ? Outcome::kWritten : Outcome::kUnchanged, ""};
+    std::vector<std::string> notes;
+    const auto rewriteThis = [&](const Picture& picture) {
+      notes.clear();
+      return rewrite(target, picture, &notes);
+    };
+    Outcome outcome = {Outcome::kUnchanged, ""};
+    if (dryRun) {
+      const Picture picture = ReadPicture(target.path);
+      const std::optional<Picture> built = rewriteThis(picture);
+      if (built)
+        outcome = {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
+    } else if (UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis)) {
+      outcome.type = Outcome::kWritten;
     }
-    const Picture picture = ReadPicture(target.path);
-    const std::optional<Picture> built = rewriteThis(picture);
-    if (!built) return {Outcome::kUnchanged, ""};
-    return {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
+    for (const std::string& note : notes) {
+      outcome.output += Printable(target.path + ": note: " + note) + "\n";
+    }
+    return outcome;
   };
   const Tally tally = RunAll(targets, one, console);
   PrintTally(tally,
@@ -172,8 +192,8 @@ int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite
 }
 
 int Show(const Options& options, Console* console) {
-  const auto toJson = [console](const Target& target, const Picture& picture) {
-    const std::string json = ToJson(target.path, picture);
+  const auto toJson = [&](const Target& target, const Picture& picture) {
+    const std::string json = ToJson(target.path, picture, options.blobs);
     return console->IsTerminal() ? PrintableJson(json) : json;
   };
   const auto show = [&](const Target& target) -> Outcome {
@@ -202,9 +222,12 @@ int Set(const Options& options, Console* console) {
     if (targets) named = OnlyChanges(options, targets.get());
     targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
   }
-  const auto set = [&](const Target& target, const Picture& picture) {
+  const auto set = [&](const Target& target, const Picture& picture,
+                       std::vector<std::string>* notes) {
     const Changes& changes = target.changes ? *target.changes : named;
-    return SetPicture(picture, changes, options.rewrite);
+    auto built = SetPicture(picture, changes, options.rewrite);
+    if (changes.allBlobs) *notes = FindMissingBlobs(built ? *built : picture, *changes.allBlobs);
+    return built;
   };
   return RewriteAll(targets.get(), options, set, console);
 }
@@ -264,7 +287,7 @@ int Check(const Options& options, Console* console) {
     Outcome outcome = {Outcome::kFine, ""};
     const Picture picture = ReadPicture(target.path);
     for (const Finding& finding : picture.reading.findings) {
-      constexpr const char* kKinds[] = {"note", "missing", "not read", "not kept"};
+      constexpr const char* kKinds[] = {"note", "missing", "not read", "not read", "not kept"};
       outcome.output +=
           Printable(target.path + ": " + kKinds[finding.severity] + ": " + finding.text);
       if (finding.severity != Finding::kNote) {
@@ -284,7 +307,7 @@ int Check(const Options& options, Console* console) {
 }
 
 int Clear(const Options& options, Console* console) {
-  const auto clear = [&options](const Target&, const Picture& picture) {
+  const auto clear = [&options](const Target&, const Picture& picture, std::vector<std::string>*) {
     return ClearPicture(picture, options.rewrite);
   };
   const auto targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);

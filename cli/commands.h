@@ -26,10 +26,10 @@ class UsageError : public std::runtime_error {
 struct Options {
   std::vector<std::string> paths;
   bool recursive = false;
-  bool json = false;
+  bool json = false, blobs = false;
   std::string name, label, picture, output, from;
   std::string copyFrom, copyTo;
-  std::vector<std::string> labels, tags, embeds;
+  std::vector<std::string> labels, removedLabels, renamedLabels, tags, removedTags, embeds;
   std::optional<std::string> category, type;
   bool filesAnywhere = false;
   RewriteOptions rewrite;
@@ -47,8 +47,9 @@ int Check(const Options& options, Console* console);
 int Clear(const Options& options, Console* console);
 
 // Reads each target, and stores what the function makes of it, which is none if nothing changes.
-// Prints how many were written. Returns the exit status.
-using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&)>;
+// Prints what the function notes, and how many were written. Returns the exit status.
+using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&,
+                                                      std::vector<std::string>* notes)>;
 int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite, Console* console);
 
 // The exit status after a run over pictures. Reports an interruption.

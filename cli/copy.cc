@@ -148,7 +148,7 @@ int Copy(const Options& options, Console* console) {
   } else {
     targets.Add(FileTarget(options.copyTo), options.copyFrom);
   }
-  const auto copy = [&](const Target& target, const Picture& picture) {
+  const auto copy = [&](const Target& target, const Picture& picture, std::vector<std::string>*) {
     return CopyMetadata(ReadSource(targets.SourceOf(target)), picture, options.rewrite);
   };
   return RewriteAll(&targets, options, copy, console);

@@ -15,13 +15,9 @@
 
 namespace lumigram::cli {
 
-// A blob that is to be embedded.
-struct NewBlob {
-  std::string label;  // begins "EMJ", at most 11 bytes
-  std::string name;   // in the picture
-  std::string path;   // with a "/", which a record requires
-  std::string bytes;
-  bool operator==(const NewBlob&) const = default;
+struct Blob {
+  std::string label, name, bytes;
+  bool operator==(const Blob&) const = default;
 };
 
 struct Label {
@@ -31,7 +27,7 @@ struct Label {
 
 struct Tag {
   std::string name, content;
-  std::shared_ptr<const NewBlob> blob;  // to be embedded; null: none
+  std::shared_ptr<const Blob> blob;  // to be embedded; null: none
 
   bool operator==(const Tag& other) const {
     const bool isSameBlob = blob && other.blob ? *blob == *other.blob : blob == other.blob;
@@ -51,6 +47,7 @@ struct Finding {
   enum Severity {
     kNote,     // nothing is lost
     kMissing,  // a tag refers to it, and it is not in the picture
+    kUnnamed,  // a blob that no tag refers to: a reader does not look for it
     kUnread,   // a reader does not deliver it
     kDropped,  // every rewrite of the picture drops it
   };

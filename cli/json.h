@@ -8,8 +8,9 @@
 
 namespace lumigram::cli {
 
-// Returns one picture's object, an element of the array.
-std::string ToJson(const std::string& path, const Picture& picture);
+// Returns one picture's object, an element of the array. `withBlobs` adds the bytes of the blobs,
+// and of each text that is not in Java's spelling, so that the picture can be restored from it.
+std::string ToJson(const std::string& path, const Picture& picture, bool withBlobs);
 
 }  // namespace lumigram::cli
 

@@ -93,6 +93,16 @@ class Members {
     return text;
   }
 
+  // The bytes of a blob; none when it is known that they were missing.
+  std::optional<std::string> BlobBytes() const {
+    constexpr char kKey[] = "bytes";
+    const Scalar& value = values_.at(kKey);
+    if (value.type == Scalar::kOther && value.text == "null") return std::nullopt;
+    auto bytes = FromBase64(Plain(kKey));
+    if (!bytes) Expected(kKey, "base64 or null");
+    return bytes;
+  }
+
   // An unknown name is accepted here: it may come from a picture, and is checked with the document.
   std::string Part() const {
     constexpr char kKey[] = "part";
@@ -166,17 +176,18 @@ Tag ToTag(const Members& members, const std::string& folder) {
 
 using Names = std::span<const std::string_view>;
 
-constexpr std::string_view kNames[] = {"path",   "pathBase64", "category", "categoryBase64",
-                                       "type",   "typeBase64", "labels",   "tags",
-                                       "format", "width",      "height",   "pop",
-                                       "size",   "blobs",      "findings"};
+constexpr std::string_view kNames[] = {
+    "path",  "pathBase64", "category", "categoryBase64", "type", "typeBase64", "labels",  "tags",
+    "blobs", "format",     "width",    "height",         "pop",  "size",       "findings"};
 // These cannot be set. They are accepted because `show --json` prints them.
-constexpr Names kIgnoredNames = Names(kNames).last(7);
+constexpr Names kIgnoredNames = Names(kNames).last(6);
 
 constexpr std::string_view kLabelNames[] = {"name",       "nameBase64", "note",
                                             "noteBase64", "part",       "partBase64"};
 constexpr std::string_view kTagNames[] = {"name",          "nameBase64", "content",
                                           "contentBase64", "label",      "file"};
+constexpr std::string_view kBlobNames[] = {"label",      "labelBase64", "name",
+                                           "nameBase64", "size",        "bytes"};
 
 bool Contains(Names names, std::string_view name) {
   return std::find(names.begin(), names.end(), name) != names.end();
@@ -185,7 +196,8 @@ bool Contains(Names names, std::string_view name) {
 // The members of the objects in a list; none when it is no list.
 Names NamesOfItems(std::string_view list) {
   if (list == "labels") return kLabelNames;
-  return list == "tags" ? Names(kTagNames) : Names();
+  if (list == "tags") return kTagNames;
+  return list == "blobs" ? Names(kBlobNames) : Names();
 }
 
 bool IsList(std::string_view name) { return !NamesOfItems(name).empty(); }
@@ -334,6 +346,21 @@ class EntryBuilder final : public nlohmann::json_sax<Json> {
   void AddItem() {
     if (key_ == "labels") entry_.changes.allLabels->push_back(ToLabel(item_));
     if (key_ == "tags") entry_.changes.allTags->push_back(ToTag(item_, folder_));
+    if (key_ == "blobs") AddBlob();
+  }
+
+  // Without bytes, a blob says what the picture has, and changes nothing.
+  void AddBlob() {
+    const bool hasBytes = item_.Has("bytes");
+    auto& blobs = entry_.changes.allBlobs;
+    if (index_ > 0 && hasBytes != blobs.has_value()) {
+      ThrowExpected(item_.Place(), "\"bytes\" in all blobs or in none", "a blob that differs");
+    }
+    if (!hasBytes) return;
+    if (!blobs) blobs.emplace();
+    if (auto bytes = item_.BlobBytes()) {
+      blobs->push_back({item_.Text("label"), item_.Text("name"), std::move(*bytes)});
+    }
   }
 
   JsonText& text_;

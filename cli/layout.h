@@ -8,15 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/document_model.h"
 #include "core/base/kind.h"
 #include "core/document/survey.h"
 
 namespace lumigram::cli {
-
-struct Blob {
-  std::string label, name, bytes;
-  bool operator==(const Blob&) const = default;
-};
 
 struct Layout {
   Survey survey;

@@ -167,7 +167,9 @@ class CommandLine {
 
   void AddShow() {
     CLI::App* const app = AddCommand("show", "Show the metadata of pictures", Show);
-    app->add_flag("--json", options_.json, "Print JSON, which set --from reads");
+    auto* const json = app->add_flag("--json", options_.json, "Print JSON, which set --from reads");
+    app->add_flag("--blobs", options_.blobs, "With the bytes of the blobs, for a backup")
+        ->needs(json);
     AddPaths(app)->required();
   }
 
@@ -177,6 +179,11 @@ class CommandLine {
         app, "--label", &options_.labels,
         "Change or add the label of that name; \\: is a colon, an empty NOTE or PART is removed")
         ->type_name("NAME[:NOTE[:PART]]");
+    AddTexts(app, "--remove-label", &options_.removedLabels, "Remove the label of that name")
+        ->type_name("NAME");
+    AddTexts(app, "--rename-label", &options_.renamedLabels,
+             "Rename a label, if there is one; \\= is an equals sign")
+        ->type_name("OLD=NEW");
     AddText(app, "--category", &options_.category, "Set the category; an empty text removes it")
         ->type_name("TEXT");
     AddText(app, "--type", &options_.type, "Set the type; an empty text removes it")
@@ -184,6 +191,8 @@ class CommandLine {
     AddTexts(app, "--tag", &options_.tags,
              "Replace all tags of that name; an empty content removes them")
         ->type_name("NAME=CONTENT");
+    AddTexts(app, "--remove-tag", &options_.removedTags, "Remove all tags of that name")
+        ->type_name("NAME");
     AddTexts(app, "--embed", &options_.embeds, "Embed the file, with a tag that refers to it")
         ->type_name("LABEL:TAG=FILE");
     AddText(app, "--from", &options_.from, "Read the changes from JSON; - for standard input")

@@ -23,7 +23,7 @@ void FindInBlobs(const Picture& picture, Reading* reading) {
   for (const Blob& blob : picture.blobs) {
     const std::string which = "blob " + Quoted(blob.name);
     if (!IsReferredTo(blob, reading->whole)) {
-      reading->Add(Finding::kUnread, kBadBlob, "no tag refers to " + which);
+      reading->Add(Finding::kUnnamed, kBadBlob, "no tag refers to " + which);
     }
     if (!IsJavaSpelling(blob.name)) {
       reading->Add(Finding::kNote, kOk, which + " has a spelling that Java does not find");

@@ -35,8 +35,7 @@ void RequireReadable(const Document& document) {
   }
 }
 
-// An embedded blob must not have the name of a blob that stays, or of one that an earlier tag
-// refers to.
+// An embedded blob must not have the name of another blob, or of one that an earlier tag refers to.
 void RequireDistinctBlobs(const Document& document, const std::vector<Blob>& blobs) {
   for (auto tag = document.tags.begin(); tag != document.tags.end(); ++tag) {
     if (tag->blob == nullptr) continue;
@@ -44,19 +43,31 @@ void RequireDistinctBlobs(const Document& document, const std::vector<Blob>& blo
     const auto refers = [&name](const Tag& earlier) {
       return BlobReference(earlier.content) == name;
     };
-    const auto stays = [&](const Blob& blob) {
-      return blob.name == name && IsReferredTo(blob, document);
-    };
+    const auto isNamed = [&name](const Blob& blob) { return blob.name == name; };
     if (std::any_of(document.tags.begin(), tag, refers) ||
-        std::any_of(blobs.begin(), blobs.end(), stays)) {
+        std::count_if(blobs.begin(), blobs.end(), isNamed) > 1) {
       throw Failure(kDuplicateBlob, "two blobs would have the name " + Quoted(name));
     }
   }
 }
 
-// Returns the record of a document that is within all limits.
-std::unique_ptr<AttrInfo> ToRecord(const Document& document) {
-  auto record = std::make_unique<AttrInfo>();
+// A record, and the bytes of its new blobs. Borrows the blobs.
+struct Record {
+  AttrInfo attr = {};
+  BlobBytes bytes[kLumigramMaxTags] = {};
+
+  void Add(size_t entry, const Blob& blob) {
+    CopyText(attr.appExt[entry].labelName, blob.label);
+    CopyText(attr.appExt[entry].fileName, blob.name);
+    bytes[entry] = {reinterpret_cast<const uint8_t*>(blob.bytes.data()), blob.bytes.size()};
+  }
+};
+
+// Returns the record of a document that is within all limits. Tags that refer to this picture keep
+// its blobs.
+std::unique_ptr<Record> ToRecord(const Document& document) {
+  auto whole = std::make_unique<Record>();
+  AttrInfo* const record = &whole->attr;
   for (size_t i = 0; i < document.labels.size(); ++i) {
     CopyText(record->name[i], document.labels[i].name);
     CopyText(record->note[i], document.labels[i].note);
@@ -66,15 +77,24 @@ std::unique_ptr<AttrInfo> ToRecord(const Document& document) {
   CopyText(record->type, document.type);
   for (size_t i = 0; i < document.tags.size(); ++i) {
     const Tag& tag = document.tags[i];
-    AppExtEntry& blob = record->appExt[i];
     CopyText(record->tag[i].tagName, tag.name);
     CopyText(record->tag[i].tagElement, tag.content);
-    if (tag.blob == nullptr && !RefersToThisPicture(tag.content)) continue;
-    CopyText(blob.fileName, BlobReference(tag.content));
-    CopyText(blob.binaryDataUri, tag.blob ? tag.blob->path : tag.content);
-    if (tag.blob != nullptr) CopyText(blob.labelName, tag.blob->label);
+    if (tag.blob) {
+      whole->Add(i, *tag.blob);
+    } else if (RefersToThisPicture(tag.content)) {
+      SetUri(tag.content, &record->appExt[i]);
+    }
   }
-  return record;
+  return whole;
+}
+
+// Gives the record these blobs, all of them new.
+void SetBlobs(const std::vector<Blob>& blobs, Record* record) {
+  if (blobs.size() > std::size(record->bytes)) {
+    throw Failure(kBadBlob, "the limit is 100 blobs");
+  }
+  for (AppExtEntry& entry : record->attr.appExt) entry = {};
+  for (size_t i = 0; i < blobs.size(); ++i) record->Add(i, blobs[i]);
 }
 
 // ---- building and reading back ------------------------------------------------------------------
@@ -101,19 +121,33 @@ std::string DescribeMarkup(const Document& document) {
   return description;
 }
 
-std::vector<Blob> WantedBlobs(const Document& document, const std::vector<Blob>& blobs) {
+// Whether a record can add the blob so that a reader finds it.
+bool CanBeAdded(const Blob& blob) {
+  return BeginsWith(blob.label, kBlobMark) && blob.label.size() <= kBlobLabelSize &&
+         !blob.name.empty() && blob.name.size() <= kMaxBlobName && !blob.bytes.empty();
+}
+
+// The blobs that the new picture has: those of the changes or, without any, those of the picture
+// that a tag refers to, and those that are embedded.
+std::vector<Blob> WantedBlobs(const Document& document, const Changes& changes,
+                              const Picture& picture) {
   std::vector<Blob> wanted;
-  std::copy_if(blobs.begin(), blobs.end(), std::back_inserter(wanted),
-               [&document](const Blob& blob) { return IsReferredTo(blob, document); });
+  if (changes.allBlobs) {
+    std::copy_if(changes.allBlobs->begin(), changes.allBlobs->end(), std::back_inserter(wanted),
+                 CanBeAdded);
+  } else {
+    std::copy_if(picture.blobs.begin(), picture.blobs.end(), std::back_inserter(wanted),
+                 [&document](const Blob& blob) { return IsReferredTo(blob, document); });
+  }
   for (const Tag& tag : document.tags) {
-    if (tag.blob) wanted.push_back({tag.blob->label, tag.blob->name, tag.blob->bytes});
+    if (tag.blob) wanted.push_back(*tag.blob);
   }
   return wanted;
 }
 
 // A reference to a blob that is not in the picture is refused, unless the picture has it already.
-void RequireBlobs(const Document& document, const Picture& picture) {
-  const std::vector<Blob> blobs = WantedBlobs(document, picture.blobs);
+void RequireBlobs(const Document& document, const std::vector<Blob>& blobs,
+                  const Picture& picture) {
   const std::vector<Tag>& old = picture.GetDocument().tags;
   for (const Tag& tag : document.tags) {
     const auto isSame = [&tag](const Tag& other) { return other.content == tag.content; };
@@ -157,10 +191,11 @@ void BuildText(const Document& document, const AttrInfo& record, XmlStringInfo* 
 }
 
 // Builds the picture in memory; an empty text means no document.
-Picture Build(const Picture& source, const XmlStringInfo& text, const RecordToWrite& record) {
+Picture Build(const Picture& source, const XmlStringInfo& text, const Record& record) {
   NewPicture built;
+  const NewBlobs blobs = {record.bytes, kLumigramMaxTags, 0};
   ByteSource original{source.bytes};
-  const Status status = BuildPicture(original, source.kind, text, record, &built);
+  const Status status = BuildPicture(original, source.kind, text, {record.attr, blobs}, &built);
   if (status == kTooLong) throw Failure(status, "the document is too long for a PNG picture");
   if (status == kPictureTooLarge) throw Failure(status, "the picture would be over 2 MiB");
   if (status != kOk) throw Failure(status, LumigramStatusText(status));
@@ -168,17 +203,20 @@ Picture Build(const Picture& source, const XmlStringInfo& text, const RecordToWr
   return InspectPicture(source.kind, {bytes, bytes + built.length});
 }
 
-Picture BuildWith(const Picture& source, const Document& document) {
+// Builds the picture with these blobs. If they replace those of the source, all of them are new.
+Picture BuildWith(const Picture& source, const Document& document, const std::vector<Blob>& blobs,
+                  bool replacesBlobs) {
   RequireReadable(document);
-  RequireDistinctBlobs(document, source.blobs);
+  RequireDistinctBlobs(document, blobs);
   const auto record = ToRecord(document);
   const auto text = std::make_unique<XmlStringInfo>();
-  BuildText(document, *record, text.get());
+  BuildText(document, record->attr, text.get());
+  if (replacesBlobs) SetBlobs(blobs, record.get());
   Picture built = Build(source, *text, *record);
   if (!built.hasDocument || built.GetDocument() != WithoutFiles(document)) {
     throw Failure(kMalformed, "this picture has no place where a document is read");
   }
-  RequireSameBlobs(built, WantedBlobs(document, source.blobs));
+  RequireSameBlobs(built, blobs);
   if (const Finding* const lost = FindRefused(built.reading.findings)) {
     throw Failure(lost->code, "even the new picture would lose something: " + lost->text);
   }
@@ -270,7 +308,6 @@ void RequireCarried(const std::vector<Blob>& blobs, const std::string& document,
                                 " picture carries no blobs; --without-blobs copies the rest");
   }
   if (document.empty()) throw Failure(kBadBlob, "blobs are not written without a document");
-  if (blobs.size() > kLumigramMaxTags) throw Failure(kBadBlob, "the limit is 100 blobs");
   for (const Blob& blob : blobs) {
     if (blob.name.empty()) throw Failure(kBadBlob, "a blob has no name");
     if (blob.bytes.empty()) throw Failure(kBadBlob, "blob " + Quoted(blob.name) + " is empty");
@@ -284,43 +321,42 @@ Picture BuildCopy(const Picture& picture, const std::string& document,
                   const std::vector<Blob>& blobs) {
   const auto text = std::make_unique<XmlStringInfo>();
   text->length = static_cast<int32_t>(document.copy(text->text, sizeof text->text));
-  const auto record = std::make_unique<AttrInfo>();
-  std::vector<BlobBytes> bytes;
-  for (const Blob& blob : blobs) {
-    AppExtEntry& entry = record->appExt[bytes.size()];
-    CopyText(entry.labelName, blob.label);
-    CopyText(entry.fileName, blob.name);
-    bytes.push_back({reinterpret_cast<const uint8_t*>(blob.bytes.data()), blob.bytes.size()});
-  }
-  const NewBlobs inMemory = {bytes.data(), static_cast<uint32_t>(bytes.size()), 0};
-  return Build(picture, *text, RecordToWrite(*record, inMemory));
+  const auto record = std::make_unique<Record>();
+  SetBlobs(blobs, record.get());
+  return Build(picture, *text, *record);
 }
 
 }  // namespace
 
 std::optional<Picture> SetPicture(const Picture& picture, const Changes& changes,
                                   const RewriteOptions& options) {
-  Document wanted = Apply(changes, options.replace ? Document{} : picture.GetDocument(), picture);
-  const bool dropsBlobs = options.replace && WantedBlobs(wanted, picture.blobs) != picture.blobs;
-  if (wanted == picture.GetDocument() && !dropsBlobs) return std::nullopt;
+  const bool replacesBlobs = changes.allBlobs.has_value();
+  const Picture withoutSpellings;  // With its blobs, a text has the spelling that they refer to.
+  const Picture& spelled = replacesBlobs ? withoutSpellings : picture;
+  Document wanted = Apply(changes, options.replace ? Document{} : picture.GetDocument(), spelled);
+  std::vector<Blob> blobs = WantedBlobs(wanted, changes, picture);
+  const bool changesBlobs = (replacesBlobs || options.replace) && !AreSame(blobs, picture.blobs);
+  if (wanted == picture.GetDocument() && !changesBlobs) return std::nullopt;
   RequireNothingLost(picture, Finding::kDropped, options);
-  if (!options.replace) RequireNothingLost(picture, Finding::kUnread, options);
+  if (!options.replace) {
+    RequireNothingLost(picture, Finding::kUnread, options);
+    if (!replacesBlobs || changesBlobs) RequireNothingLost(picture, Finding::kUnnamed, options);
+  }
   if (!options.replace && picture.First(Finding::kUnread)) {
-    wanted = Apply(changes, Delivered(picture), picture);
+    wanted = Apply(changes, Delivered(picture), spelled);
+    blobs = WantedBlobs(wanted, changes, picture);
   }
-  for (const Tag& tag : wanted.tags) {
-    if (tag.blob && BlobFunctionsOf(picture.kind) == nullptr) {
-      throw Failure(kBadBlob, std::string("a ") + picture.KindName() + " picture carries no blobs");
-    }
+  if (!blobs.empty() && BlobFunctionsOf(picture.kind) == nullptr) {
+    throw Failure(kBadBlob, std::string("a ") + picture.KindName() + " picture carries no blobs");
   }
-  RequireBlobs(wanted, picture);
-  return UnlessSame(picture, BuildWith(picture, wanted));
+  if (!replacesBlobs) RequireBlobs(wanted, blobs, picture);
+  return UnlessSame(picture, BuildWith(picture, wanted, blobs, replacesBlobs));
 }
 
 std::optional<Picture> ClearPicture(const Picture& picture, const RewriteOptions& options) {
   if (!picture.hasDocument && picture.blobs.empty()) return std::nullopt;
   RequireNothingLost(picture, Finding::kDropped, options);
-  const auto record = std::make_unique<AttrInfo>();
+  const auto record = std::make_unique<Record>();
   const auto text = std::make_unique<XmlStringInfo>();
   Picture built = Build(picture, *text, *record);
   if (built.hasDocument || !built.blobs.empty()) {
@@ -348,11 +384,25 @@ std::optional<Picture> CopyMetadata(const Picture& source, const Picture& pictur
   return UnlessSame(picture, std::move(built));
 }
 
+std::vector<std::string> FindMissingBlobs(const Picture& picture, const std::vector<Blob>& blobs) {
+  std::vector<std::string> missing;
+  for (const Finding& finding : picture.reading.findings) {
+    if (finding.severity == Finding::kMissing) missing.push_back(finding.text);
+  }
+  for (const Blob& blob : blobs) {
+    if (CanBeAdded(blob)) continue;
+    missing.push_back("blob " + Quoted(blob.name) +
+                      " is left out: its label does not begin with EMJ, or its name or its size "
+                      "cannot be written");
+  }
+  return missing;
+}
+
 void RequireWritable(const Changes& changes) {
   const Document document = Apply(changes, {}, Picture());
   RequireReadable(document);
   XmlStringInfo text;
-  BuildText(document, *ToRecord(document), &text);
+  BuildText(document, ToRecord(document)->attr, &text);
 }
 
 }  // namespace lumigram::cli

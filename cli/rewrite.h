@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/changes.h"
 #include "cli/picture_model.h"
@@ -27,6 +28,10 @@ std::optional<Picture> ClearPicture(const Picture& picture, const RewriteOptions
 // force, it must have none that the source does not have.
 std::optional<Picture> CopyMetadata(const Picture& source, const Picture& picture,
                                     const RewriteOptions& options);
+
+// Describes the blobs that a picture does not have although a tag refers to them, and those of a list
+// that no picture can have.
+std::vector<std::string> FindMissingBlobs(const Picture& picture, const std::vector<Blob>& blobs);
 
 // Applies the changes to an empty document. Throws Failure if no picture can hold the result.
 void RequireWritable(const Changes& changes);

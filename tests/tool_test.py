@@ -160,6 +160,17 @@ COMMANDS = [
     ("extract EMJ boing.mid smile.gif -o /dev/stdout", 0, "MThd"),
     ("set --tag s=file://THIS/no.mid smile.gif sun.jpg", 1, '!smile.gif: tag 6: the blob "no.mid" is not in the picture (-99)\n', "2 failed\n"),
     ("set --embed EMJX:a=out.bin --tag b=file://THIS/out plain.png", 0, "1 written\n"),
+    ("set -n --remove-label nope --remove-label 笑う --rename-label 'smile 😀=a\\=b' --remove-tag mood smile.gif", 0, "-\tlabel\t笑う",
+     "-\tlabel\tsmile 😀\ta friendly face", "+\tlabel\ta=b\ta friendly face", "-\ttag\tmood\thappy 🎉\n", "1 would"),
+    ("set --rename-label nope=new --rename-label new=newer star.png", 0, "0 written, 1 unchanged\n"),
+    ("set --rename-label sparkle=きらきら --category c star.png", 1, '!star.png: there is a label "きらきら" already (-40)\n'),
+    ("set --rename-label a=b=c star.png", 2, '!lumigram: --rename-label "a=b=c": expected OLD=NEW, with \\= for an equals sign\n'),
+    ("set --rename-label =b star.png", 2, "!expected OLD=NEW"), ("set --rename-label a= star.png", 2, "!expected OLD=NEW"),
+    ("set --rename-label a star.png", 2, "!expected OLD=NEW"), ("show --blobs star.png", 2, "!--json"),
+    (FROM + " sun.jpg", 1, '{"blobs": [{"label": "EMJ", "name": "b", "bytes": "AAAA"}]}', "!sun.jpg: a JPEG picture carries no blobs (-99)\n"),
+    (FROM + " plain.png", 0, '{"blobs": [{"label": "XYZ", "name": "b", "bytes": "AAAA"}, {"label": "EMJ", "name": "n", "bytes": ""}]}',
+     'plain.png: note: blob "b" is left out: its label does not begin with EMJ, or its name or its size cannot be written\n', 'blob "n" is left', "1 unchanged\n"),
+    (FROM + " -n heart.png", 0, '{"tags": [], "blobs": [{"label": "EMJ", "name": "n", "bytes": "AAAA"}]}', "-\tblob", "+\tblob\tEMJ\tn\t3 bytes\n"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
     (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters; the limit is 24"),
     ("set --embed EMJ456789012:t=out.bin star.png", 2, "!a blob's label must begin with EMJ and have at most 11 bytes\n"),
@@ -170,7 +181,7 @@ COMMANDS = [
 
 # JSON that is refused before anything is done, and why.
 EACH = "expected each picture once, found "
-KNOWN = "path, category, type, labels, tags, format, width, height, pop, size, blobs, findings"
+KNOWN = "path, category, type, labels, tags, blobs, format, width, height, pop, size, findings"
 REFUSED = [
     ("", "line 1, column 1: syntax error while parsing value - unexpected end of input"),
     ('\n [{"path": "star.png"}\n, ]', "line 3, column 3: syntax error while parsing value - unexpected ']'"),
@@ -202,6 +213,9 @@ REFUSED = [
     ('{"labels": [{"note": "n"}]}', '/labels/0: expected a member "name", found an object without it\n'),
     ('{"labels": [{"name": "n", "part": 22}]}', "/labels/0/part: expected a part of speech, 0 to 21 or its name, found 22\n"),
     ('{"tags": [{"name": "n"}]}', '/tags/0: expected a member "content", found'),
+    ('{"blobs": [{"label": "EMJ", "name": "x", "bytes": "!"}]}', '/blobs/0/bytes: expected base64 or null, found "!"\n'),
+    ('{"blobs": [{"name": "x", "bytes": "AAAA"}]}', '/blobs/0: expected a member "label", found'),
+    ('{"blobs": [{"name": "x", "bytes": null}, {"name": "y"}]}', '/blobs/1: expected "bytes" in all blobs or in none, found a blob'),
     ('[{"type": "x"}]', '/0: expected a member "path", found none\n'),
     ('{"path": ""}', '/path: expected the name of a file, found ""\n'),
     ('{"path": "star.png\\u0000"}', '/path: expected a text without NUL, found "star.png\\u{0}"\n'),
@@ -364,6 +378,24 @@ def test_copy(folder):
     status, out, err = run("copy -r --force old new/")
     report("copy folders", (status, out) != (1, "2 written, 11 failed\n") and out, sorted(err.splitlines()) != sorted(SAID) and err, metadata("new/a.png") != metadata("smile.gif"),
            metadata("new/sub/b.GIF") != metadata("heart.png"), contents() != before, run("find --label '' new/f.png")[0] != 1)
+
+
+def test_backup(folder):
+    prepare(folder)
+    for name in ("wide.png", "cut.png", "empty.gif", "-dash.png", "fake.gif"):
+        os.remove(name)
+    pathlib.Path("missing.png").write_bytes(png(label("n") + tags(("s", "file://THIS/no.mid"))))
+    pathlib.Path("unnamed.png").write_bytes(png(tags(("s", "file://THIS/b"), ("t", "file://THIS/no.mid")), blob(b"EMJ1", b"lost"), blob(b"EMJ2", b"b"), blob(b"EMJ3", b"b2")))
+    pathlib.Path("four.png").write_bytes(png(tags(("s😀", "file://THIS/😀")), blob(b"EMJ", "😀".encode())))
+    backup = run("show -r --json --blobs .")[1]
+    unchanged = run("set --from -", backup)[1]
+    cleared = run("clear -r .")
+    restored = run("set --from -", backup)
+    again = [json.loads(text) for text in (backup, run("show -r --json --blobs .")[1])]
+    for picture in again[0] + again[1]:
+        picture.pop("size")
+    report("a backup is restored", unchanged.count("0 written") != 1 and unchanged, cleared[0] and cleared,
+           (restored[0] or restored[1].count("note: ") != 2 or './missing.png: note: tag "s" refers to a blob that is not in the picture\n' not in restored[1]) and restored, again[0] != again[1] and again)
 
 
 def test_losing(folder):
@@ -570,7 +602,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_refused_json, test_from, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_backup, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
