@@ -10,10 +10,10 @@ namespace lumigram::test {
 namespace {
 
 // The counts of a summary, in their order; six other fields precede them.
-const char* const kCounts[] = {"refusedLabels",    "furtherLabels", "unknownParts",
-                               "refusedTags",      "droppedTags",   "hiddenContents", "refusedTexts",
-                               "strayTexts",       "invalidTexts",  "textsWithMarkup",
-                               "furtherDocuments", "unnamedBlobs",  "bytesAfterEnd"};
+const char* const kCounts[] = {
+    "refusedLabels",    "furtherLabels", "unknownParts", "refusedTags",  "droppedTags",
+    "hiddenContents",   "refusedTexts",  "strayTexts",   "invalidTexts", "textsWithMarkup",
+    "furtherDocuments", "unnamedBlobs",  "bytesAfterEnd"};
 
 struct Taken {
   int32_t status;
@@ -98,8 +98,7 @@ TEST(PictureRecord, HoldsWhatABatchReadWithholds) {
   Check("eleven tag names", names, "|  |  | " + namesHeld, "droppedTags 1 ");
   Check("101 tags", Repeat(names, 9) + Tag("a", "1") + Tag("a", "2"),
         "|  |  | " + Repeat(namesHeld, 9) + "a=1 ", "droppedTags 10 ");
-  Check("first content empty", Tag("t", "") + Tag("u", ""), "|  |  | t= u= ",
-        "hiddenContents 1 ");
+  Check("first content empty", Tag("t", "") + Tag("u", ""), "|  |  | t= u= ", "hiddenContents 1 ");
   Check("empty tag name", Tag("t", "1") + Tag("", "2") + Tag("u", "3"), "|  |  | t=1 u=3 ",
         "droppedTags 1 ");
   Check("text in a label", Label("a", "x<note>n</note>y<note>m</note>z"), "a/n/ |  |  | ",

@@ -48,7 +48,7 @@ class DocumentReader {
 
  private:
   Status ReadScreen(ByteSource& source, GifScreen* screen) const;
-  Status PassApplication(ByteSource& source, uint8_t size);
+  Status PassApplication(ByteSource& source, uint8_t size) const;
   Status TakeSubBlock(std::string_view text);
 
   const ReaderOutputs out_;
@@ -101,7 +101,7 @@ Status DocumentReader::OnApplication(ByteSource& source) {
 
 // Passes an extension after the size byte of its identifier. Of a blob, identifier, name and data are
 // a part each of the fingerprint: how the data are cut into sub-blocks does not matter.
-Status DocumentReader::PassApplication(ByteSource& source, uint8_t size) {
+Status DocumentReader::PassApplication(ByteSource& source, uint8_t size) const {
   if (out_.fingerprint == nullptr) return SkipChain(source, size);
   GifSubBlock block = {size, {}};
   if (!source.Read({block.bytes, size})) return kMalformed;

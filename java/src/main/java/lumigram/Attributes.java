@@ -89,8 +89,8 @@ final class Attributes {
         blobs[i] = tag.blobBytes();
       } catch (IOException failure) {
         throw new PictureException(file, Status.UNUSABLE_BLOB,
-            "tag " + (i + 1) + ": the blob \"" + tag.blobName() + "\" cannot be read: "
-                + failure.getMessage());
+            "tag " + (i + 1) + ": the blob \"" + tag.blobName()
+                + "\" cannot be read: " + failure.getMessage());
       }
     }
     return blobs;

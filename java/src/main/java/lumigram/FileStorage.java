@@ -24,9 +24,16 @@ final class FileStorage extends Storage {
     this.file = Objects.requireNonNull(file, "file");
   }
 
-  /** Reads a batch, as {@link LumigramFiles#readPictures} does. */
-  static int read(
-      List<FileStorage> storages, Object[] attrs, long[] fingerprints, byte[] results) {
+  /**
+   * Reads a batch, as {@link LumigramFiles#readPictures} does.
+   *
+   * @param storages the pictures
+   * @param attrs the objects that receive the metadata, as many as there are pictures
+   * @param fingerprints receives two numbers for each picture
+   * @param results receives the statuses
+   * @return the result of that method
+   */
+  static int read(List<FileStorage> storages, Object[] attrs, long[] fingerprints, byte[] results) {
     String[] paths = new String[attrs.length];
     for (int i = 0; i < paths.length; i++) {
       paths[i] = storages.get(i).file.getPath();

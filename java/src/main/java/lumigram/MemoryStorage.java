@@ -22,7 +22,15 @@ final class MemoryStorage extends Storage {
     this.kind = kind != null ? kind : Kind.ofNumber(LumigramBytes.findKind(bytes));
   }
 
-  /** Reads a batch, as {@link LumigramBytes#readPictures} does. */
+  /**
+   * Reads a batch, as {@link LumigramBytes#readPictures} does.
+   *
+   * @param storages the pictures
+   * @param attrs the objects that receive the metadata, as many as there are pictures
+   * @param fingerprints receives two numbers for each picture
+   * @param results receives the statuses
+   * @return the result of that method
+   */
   static int read(
       List<MemoryStorage> storages, Object[] attrs, long[] fingerprints, byte[] results) {
     byte[][] pictures = new byte[attrs.length][];

@@ -197,8 +197,8 @@ public final class Picture {
   }
 
   private static PictureException notListed(File folder) {
-    Status status = Status.ofObstacle(
-        LumigramFiles.findObstacle(folder.getPath(), false, 0, new String[1]));
+    Status status =
+        Status.ofObstacle(LumigramFiles.findObstacle(folder.getPath(), false, 0, new String[1]));
     if (status == Status.MISSING) return new PictureException(folder, status, "no such folder");
     if (folder.isDirectory()) status = Status.FORBIDDEN;
     return status == Status.FORBIDDEN

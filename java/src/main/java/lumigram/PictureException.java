@@ -38,7 +38,8 @@ public class PictureException extends IOException {
    * @param sentence the exact reason, without a full stop
    */
   public PictureException(File file, Status status, String sentence) {
-    super((file == null ? "picture in memory" : file) + ": " + sentence + " (" + status + ", " + status.code() + ")");
+    super((file == null ? "picture in memory" : file) + ": " + sentence + " (" + status + ", "
+        + status.code() + ")");
     this.file = file;
     this.status = status;
     this.sentence = sentence;

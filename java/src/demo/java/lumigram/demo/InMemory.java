@@ -12,8 +12,8 @@ import lumigram.PictureInfo;
 /** Reads and rewrites a picture that never was a file, with the typed API. */
 final class InMemory {
   /** A GIF of one pixel, as it may come from a network. */
-  private static final byte[] RECEIVED = Base64.getDecoder().decode(
-      "R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7");
+  private static final byte[] RECEIVED =
+      Base64.getDecoder().decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7");
 
   private InMemory() {}
 

@@ -121,6 +121,5 @@ public final class LumigramFiles {
    *     empty; 6: over 2 MiB; 7: a picture of another kind than its name says; 8: a known format
    *     that is not supported; 9: text; 10: may only be read
    */
-  public static native int findObstacle(
-      String path, boolean isWriting, int error, String[] words);
+  public static native int findObstacle(String path, boolean isWriting, int error, String[] words);
 }
