@@ -1,10 +1,10 @@
 #include "cli/json_text.h"
 
 #include <errno.h>
+#include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
-
-#include <filesystem>
 
 #include "cli/files.h"
 #include "core/base/status.h"
@@ -28,8 +28,8 @@ std::string ReadBlock(FILE* file) {
 
 ScopedFile CopyToTemporaryFile(FILE* input) {
   constexpr char kCannot[] = "cannot be copied to a temporary file: ";
-  std::error_code error;
-  std::string path = std::filesystem::temp_directory_path(error) / "lumigram-XXXXXX";
+  const char* const folder = getenv("TMPDIR");
+  std::string path = std::string(folder == nullptr ? "/tmp" : folder) + "/lumigram-XXXXXX";
   const int descriptor = mkstemp(path.data());
   if (descriptor < 0) Fail(kCannot);
   unlink(path.c_str());
@@ -51,10 +51,10 @@ JsonText::JsonText(const std::string& path) {
   const bool fromInput = path == "-";
   if (!fromInput) file_.reset(fopen(path.c_str(), "rbe"));
   if (!fromInput && file_ == nullptr) Fail();
-  if (fromInput || fstat(fileno(file_.get()), &opened_) != 0 || !S_ISREG(opened_.st_mode)) {
+  struct stat status;
+  if (fromInput || fstat(fileno(file_.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
     file_ = CopyToTemporaryFile(fromInput ? stdin : file_.get());
   }
-  if (fstat(fileno(file_.get()), &opened_) != 0) Fail();
   Seek(0);
 }
 
@@ -77,16 +77,6 @@ void JsonText::Seek(uint64_t position) {
   blockStart_ = position;
   next_ = 0;
   block_.clear();
-}
-
-void JsonText::RequireUnchanged() const {
-  struct stat now;
-  if (fstat(fileno(file_.get()), &now) != 0) Fail();
-  const auto isSame = [](const timespec& a, const timespec& b) {
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-  };
-  if (now.st_size == opened_.st_size && isSame(now.st_mtim, opened_.st_mtim)) return;
-  throw Failure(kCannotOpen, "the file has changed while it was read");
 }
 
 std::string JsonText::Where(uint64_t size) {

@@ -3,7 +3,6 @@
 #define LUMIGRAM_CLI_JSON_TEXT_H_
 
 #include <stdint.h>
-#include <sys/stat.h>
 
 #include <string>
 
@@ -24,15 +23,11 @@ class JsonText {
   uint64_t Position() const { return blockStart_ + next_; }
   void Seek(uint64_t position);
 
-  // Requires that the file is still the one that was opened, unchanged.
-  void RequireUnchanged() const;
-
   // Describes the place of the last of the first `size` bytes: "line 3, column 5".
   std::string Where(uint64_t size);
 
  private:
   ScopedFile file_;
-  struct stat opened_;
   uint64_t blockStart_ = 0;
   size_t next_ = 0;
   std::string block_;  // empty: not read yet

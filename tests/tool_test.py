@@ -168,8 +168,13 @@ COMMANDS = [
     ("set --rename-label =b star.png", 2, "!expected OLD=NEW"), ("set --rename-label a= star.png", 2, "!expected OLD=NEW"),
     ("set --rename-label a star.png", 2, "!expected OLD=NEW"), ("show --blobs star.png", 2, "!--json"),
     (FROM + " sun.jpg", 1, '{"blobs": [{"label": "EMJ", "name": "b", "bytes": "AAAA"}]}', "!sun.jpg: a JPEG picture carries no blobs (-99)\n"),
-    (FROM + " plain.png", 0, '{"blobs": [{"label": "XYZ", "name": "b", "bytes": "AAAA"}, {"label": "EMJ", "name": "n", "bytes": ""}]}',
-     'plain.png: note: blob "b" is left out: its label does not begin with EMJ, or its name or its size cannot be written\n', 'blob "n" is left', "1 unchanged\n"),
+    (FROM + " plain.png", 0, json.dumps({"blobs": [{"label": label, "name": name, "bytes": data} for label, name, data in (
+        ("XYZ", "b", "AAAA"), ("EMJ", "n", ""), ("EMJ456789012", "l", "AAAA"), ("EMJ", "", "AAAA"), ("EMJ", "x" * 256, "AAAA"))]}),
+     'plain.png: note: blob "b" is left out: its label does not begin with EMJ, or its name or its size cannot be written\n', 'blob "n" is left', 'blob "l" is left',
+     'blob "" is left', 'blob "xx', "1 unchanged\n"),
+    (FROM + " plain.png", 0, '{"findings": [{"a": [{"b": 1}, 2]}, []], "width": {"labels": [3]}, "size": [[]], "pop": null}', "0 written, 1 unchanged\n"),
+    (FROM + " -n plain.png", 0, '{"labels": [{"name": "a", "part": 1}, {"name": "b", "part": "verb"}, {"name": "c", "partBase64": "5ZCN6Kme"}], "category": "d", "type": "e"}',
+     "+\tlabel\ta\t\tnoun\n", "+\tlabel\tb\t\tverb\n", "+\tlabel\tc\t\tnoun\n", "+\tcategory\td\n", "+\ttype\te\n"),
     (FROM + " -n heart.png", 0, '{"tags": [], "blobs": [{"label": "EMJ", "name": "n", "bytes": "AAAA"}]}', "-\tblob", "+\tblob\tEMJ\tn\t3 bytes\n"),
     ("set --label a:b:22 star.png", 2, '!not "22"\n'),
     (f"set --label {'😀' * 13} star.png", 2, "!has 26 characters; the limit is 24"),
@@ -286,6 +291,7 @@ def test_refused_json(folder):
 def test_from(folder):
     prepare(folder)
     os.mkdir("pack")
+    os.environ["TMPDIR"] = "pack"
     edit = pathlib.Path("pack/edit.json")
     edit.write_text('[{"path": "star.png", "type": "x"}, {"path": "hard.png", "type": "x"}, {"path": "link.gif", "category": ""}]')
     report("two names of one picture", run("set -n --from pack/edit.json")[1].count("type\tx\n") != 1, run("set --type y --from pack/edit.json")[1] != "2 written\n",
@@ -295,7 +301,10 @@ def test_from(folder):
            run("set --from [sub]/../pack/edit.json --files-anywhere plain.png")[1] != "1 written\n",
            run("set --from - plain.png", EMBED % ("EMJ1", "[sub]/../[sub]/boing.mid"))[1] != "1 written\n", run("extract EMJ1 boing.mid plain.png")[1][:4] != "MThd")
     report("no JSON", run("set --from no.json")[2] != "lumigram: no.json: No such file or directory\n", run("set --from .")[2] != "lumigram: .: Is a directory\n",
-           run("set --from -", " [ ]\n") != (0, "0 written\n", ""))
+           run("set --from -", " [ ]\n") != (0, "0 written\n", ""), os.listdir("pack") != ["edit.json"])
+    os.environ["TMPDIR"] = "pack/edit.json"
+    report("no temporary file", "standard input: cannot be copied to a temporary file: " not in run("set --from -", "[]")[2])
+    del os.environ["TMPDIR"]
     name = os.fsdecode(b"n\xff\xed\xa0\xbd\xed\xb8\x80.png")
     body = b"<label><name>\xed\xa0\x80a</name><note>\xc3b</note></label><category>c\xf5</category><type>\xc0\xaf</type><tags name=\"\x80\">\xe2\x98</tags>"
     pathlib.Path(name).write_bytes(png(body, blob(b"EMJ\xfb", b"b\xfe")))
@@ -396,6 +405,10 @@ def test_backup(folder):
         picture.pop("size")
     report("a backup is restored", unchanged.count("0 written") != 1 and unchanged, cleared[0] and cleared,
            (restored[0] or restored[1].count("note: ") != 2 or './missing.png: note: tag "s" refers to a blob that is not in the picture\n' not in restored[1]) and restored, again[0] != again[1] and again)
+    edited = run("set --from -", backup.replace('"category": ""', '"category": "new"'))
+    report("an edited backup", edited[0] and edited, run("find --category new unnamed.png missing.png")[1] != "unnamed.png\nmissing.png\n", run("extract EMJ1 lost unnamed.png")[1] != "data",
+           run("set --type t missing.png")[1] != "1 written\n", run("check missing.png")[:2] != (1, 'missing.png: missing: tag "s" refers to a blob that is not in the picture (-99)\n0 fine, 1 with losses\n'),
+           "missing.png\tmissing\ttag" not in run("show missing.png")[1])
 
 
 def test_losing(folder):
