@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "cli/files.h"
+#include "cli/picture_model.h"
 #include "cli/spelling.h"
 #include "core/base/scoped.h"
 #include "core/base/status.h"
@@ -44,6 +45,9 @@ ChangeFile::ChangeFile(const std::string& path, bool filesAnywhere, bool eachHas
     if (!eachHasPath) continue;
     if (entry->path.empty()) {
       throw Failure(kBadArgument, entry->place + ": expected a member \"path\", found none");
+    }
+    if (entry->path == kStandardInput) {
+      throw Failure(kBadArgument, entry->place + "/path: expected a file, found -; ./- is one");
     }
     places.push_back({HashOfFile(entry->path), entry->position});
   }

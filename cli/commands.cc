@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <new>
@@ -24,18 +25,24 @@ namespace {
 
 // ---- running over pictures ----------------------------------------------------------------------
 
-void PrintTally(const Tally& tally, const std::vector<std::pair<Outcome::Type, const char*>>& words,
-                Console* console) {
+std::string Describe(const Tally& tally,
+                     const std::vector<std::pair<Outcome::Type, const char*>>& words) {
   std::string line;
   for (const auto& [kind, word] : words) {
     const size_t count = tally.counts[kind];
     if (count == 0 && kind != words.front().first) continue;
     line += (line.empty() ? "" : ", ") + std::to_string(count) + " " + word;
   }
-  console->Print(line + "\n");
+  return line;
 }
 
 // ---- rewriting ----------------------------------------------------------------------------------
+
+bool IsStandardInput(const Options& options) {
+  return options.paths.size() == 1 && options.paths[0] == kStandardInput;
+}
+
+std::string TextOf(const std::vector<uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
 
 template <typename Function>
 auto ParseWords(const char* option, const std::string& words, Function function) {
@@ -147,6 +154,17 @@ const Blob& FindBlob(const Picture& picture, const Options& options) {
 
 }  // namespace
 
+std::unique_ptr<Targets> TargetsOf(const Options& options, Purpose purpose) {
+  const auto count = std::count(options.paths.begin(), options.paths.end(), kStandardInput);
+  const bool isAlone = options.paths.size() == 1 && !options.recursive;
+  if (count > 0 && (!isAlone || !options.rewrite.backupSuffix.empty() || options.from == "-")) {
+    throw UsageError(
+        "- is standard input: the only path, without -r, --backup and --from -; ./- "
+        "is a file");
+  }
+  return FindTargets(options.paths, options.recursive, purpose);
+}
+
 int ExitStatusOf(const Tally& tally, Console* console) {
   if (tally.signal != 0) {
     const std::string of = tally.total == 0 ? "" : " of " + std::to_string(tally.total);
@@ -161,6 +179,10 @@ int ExitStatusOf(const Tally& tally, Console* console) {
 int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite,
                Console* console) {
   const bool dryRun = options.rewrite.dryRun;
+  const bool passesOn = IsStandardInput(options) && !dryRun;
+  if (passesOn && console->IsTerminal()) {
+    throw UsageError("a picture is not written to a terminal; redirect standard output");
+  }
   signal(SIGPIPE, SIG_IGN);  // Rewrite all pictures even if nobody reads the output.
   const auto one = [&](const Target& target) -> Outcome {
     std::vector<std::string> notes;
@@ -169,25 +191,39 @@ int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite
       return rewrite(target, picture, &notes);
     };
     Outcome outcome = {Outcome::kUnchanged, ""};
-    if (dryRun) {
+    if (dryRun || passesOn) {
       const Picture picture = ReadPicture(target.path);
       const std::optional<Picture> built = rewriteThis(picture);
-      if (built)
-        outcome = {Outcome::kWritten, console->DescribeChange(target.path, picture, *built)};
+      if (built) outcome.type = Outcome::kWritten;
+      if (passesOn) {
+        outcome.output = TextOf(built ? built->bytes : picture.bytes);
+      } else if (built) {
+        outcome.output = console->DescribeChange(target.path, picture, *built);
+      }
     } else if (UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis)) {
       outcome.type = Outcome::kWritten;
     }
     for (const std::string& note : notes) {
-      outcome.output += Printable(target.path + ": note: " + note) + "\n";
+      const std::string line = target.path + ": note: " + note;
+      if (passesOn) {
+        console->Complain(line);
+      } else {
+        outcome.output += Printable(line) + "\n";
+      }
     }
     return outcome;
   };
   const Tally tally = RunAll(targets, one, console);
-  PrintTally(tally,
-             {{Outcome::kWritten, dryRun ? "would be written" : "written"},
-              {Outcome::kUnchanged, "unchanged"},
-              {Outcome::kFailed, "failed"}},
-             console);
+  const std::string summary =
+      Describe(tally, {{Outcome::kWritten, dryRun ? "would be written" : "written"},
+                       {Outcome::kUnchanged, "unchanged"},
+                       {Outcome::kFailed, "failed"}});
+  if (passesOn) {
+    console->Flush();
+    if (ferror(stdout) == 0) console->Complain(summary);
+  } else {
+    console->Print(summary + "\n");
+  }
   return ExitStatusOf(tally, console);
 }
 
@@ -201,7 +237,7 @@ int Show(const Options& options, Console* console) {
     return {Outcome::kFine,
             options.json ? toJson(target, picture) : console->Describe(target.path, picture)};
   };
-  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  const auto targets = TargetsOf(options, Purpose::kRead);
   if (!options.json) return ExitStatusOf(RunAll(targets.get(), show, console), console);
   console->Print("[\n");
   const Tally tally = RunAll(targets.get(), show, console, ",\n");
@@ -220,7 +256,7 @@ int Set(const Options& options, Console* console) {
   }
   if (!options.paths.empty()) {
     if (targets) named = OnlyChanges(options, targets.get());
-    targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
+    targets = TargetsOf(options, Purpose::kWrite);
   }
   const auto set = [&](const Target& target, const Picture& picture,
                        std::vector<std::string>* notes) {
@@ -252,7 +288,7 @@ int ShowTag(const Options& options, Console* console) {
     }
     return outcome;
   };
-  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  const auto targets = TargetsOf(options, Purpose::kRead);
   return ExitStatusOf(RunAll(targets.get(), list, console), console);
 }
 
@@ -261,6 +297,7 @@ int Extract(const Options& options, Console* console) {
   if (toStandardOutput && console->IsTerminal()) {
     throw UsageError("extract: a blob is not written to a terminal; name a file with -o");
   }
+  const bool isInput = options.picture == kStandardInput;
   const std::string* path = &options.picture;  // of what fails
   try {
     const Picture picture = ReadPicture(options.picture);
@@ -269,7 +306,7 @@ int Extract(const Options& options, Console* console) {
     // A redirection has opened the file of standard output, so that it cannot be replaced.
     if (toStandardOutput || AreSameFile(options.output, "/dev/stdout")) {
       console->Print(bytes);
-    } else if (AreSameFile(options.output, options.picture)) {
+    } else if (AreSameFile(options.output, isInput ? "/dev/stdin" : options.picture)) {
       throw Failure(kCannotWrite, "is the picture that the blob is taken from");
     } else {
       WriteFile(options.output, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
@@ -282,7 +319,7 @@ int Extract(const Options& options, Console* console) {
 }
 
 int Check(const Options& options, Console* console) {
-  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  const auto targets = TargetsOf(options, Purpose::kRead);
   const auto check = [](const Target& target) -> Outcome {
     Outcome outcome = {Outcome::kFine, ""};
     const Picture picture = ReadPicture(target.path);
@@ -299,10 +336,10 @@ int Check(const Options& options, Console* console) {
     return outcome;
   };
   const Tally tally = RunAll(targets.get(), check, console);
-  PrintTally(
-      tally,
-      {{Outcome::kFine, "fine"}, {Outcome::kLosing, "with losses"}, {Outcome::kFailed, "failed"}},
-      console);
+  console->Print(Describe(tally, {{Outcome::kFine, "fine"},
+                                  {Outcome::kLosing, "with losses"},
+                                  {Outcome::kFailed, "failed"}}) +
+                 "\n");
   return ExitStatusOf(tally, console);
 }
 
@@ -310,7 +347,7 @@ int Clear(const Options& options, Console* console) {
   const auto clear = [&options](const Target&, const Picture& picture, std::vector<std::string>*) {
     return ClearPicture(picture, options.rewrite);
   };
-  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kWrite);
+  const auto targets = TargetsOf(options, Purpose::kWrite);
   return RewriteAll(targets.get(), options, clear, console);
 }
 

@@ -3,6 +3,7 @@
 #define LUMIGRAM_CLI_COMMANDS_H_
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -51,6 +52,9 @@ int Clear(const Options& options, Console* console);
 using Rewriter = std::function<std::optional<Picture>(const Target&, const Picture&,
                                                       std::vector<std::string>* notes)>;
 int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite, Console* console);
+
+// As FindTargets(), for the paths of a command line. Throws UsageError.
+std::unique_ptr<Targets> TargetsOf(const Options& options, Purpose purpose);
 
 // The exit status after a run over pictures. Reports an interruption.
 int ExitStatusOf(const Tally& tally, Console* console);

@@ -115,7 +115,7 @@ int Find(const Options& options, Console* console) {
     if (!search.Finds(ReadPicture(target.path))) return {Outcome::kNotFound, ""};
     return {Outcome::kFine, line(target.path)};
   };
-  const auto targets = FindTargets(options.paths, options.recursive, Purpose::kRead);
+  const auto targets = TargetsOf(options, Purpose::kRead);
   const Tally tally = RunAll(targets.get(), find, console);
   if (tally.signal != 0) return ExitStatusOf(tally, console);
   const size_t found = tally.counts[Outcome::kFine];

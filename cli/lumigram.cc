@@ -151,7 +151,9 @@ class CommandLine {
 
   CLI::Option* AddPaths(CLI::App* app) {
     app->add_flag("-r,--recursive", options_.recursive, "Include the pictures in folders");
-    return AddTexts(app, "PATHS", &options_.paths, "Pictures, or folders with -r")->expected(-1);
+    return AddTexts(app, "PATHS", &options_.paths,
+                    "Pictures, or folders with -r; a single - is standard input")
+        ->expected(-1);
   }
 
   void AddRewriting(CLI::App* app) {
@@ -244,7 +246,7 @@ class CommandLine {
         AddCommand("extract", "Write one blob to a file or standard output", Extract);
     AddText(app, "LABEL", &options_.label, "The blob's label, or its beginning")->required();
     AddText(app, "NAME", &options_.name, "The blob's name")->required();
-    AddText(app, "PICTURE", &options_.picture, "The picture")->required();
+    AddText(app, "PICTURE", &options_.picture, "The picture; - is standard input")->required();
     AddText(app, "-o,--output", &options_.output, "The file to write; default: standard output")
         ->type_name("FILE");
   }

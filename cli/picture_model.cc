@@ -1,11 +1,15 @@
 #include "cli/picture_model.h"
 
+#include <stdio.h>
+
 #include <algorithm>
+#include <utility>
 
 #include "cli/spelling.h"
 #include "core/base/status.h"
 #include "core/document/blob_entries.h"
 #include "core/document/document_format.h"
+#include "core/file/signature.h"
 
 namespace lumigram::cli {
 namespace {
@@ -17,6 +21,18 @@ void TakeDocument(const std::vector<char>& buffer, Reading* reading) {
   if (!std::all_of(buffer.begin() + static_cast<ptrdiff_t>(text.size()), buffer.end(), isNul)) {
     reading->Add(Finding::kUnread, kTooLong, "the document continues after a NUL");
   }
+}
+
+// Reads one byte more than a picture may have, and nothing after it. The first bytes tell the kind.
+Picture ReadStandardInput() {
+  std::vector<uint8_t> bytes(kLumigramMaxPictureBytes + 1);
+  bytes.resize(fread(bytes.data(), 1, bytes.size(), stdin));
+  if (ferror(stdin)) throw FailureOfSystem(kCannotOpen);
+  if (bytes.empty()) throw Failure(kBadArgument, "no bytes");
+  if (bytes.size() > kLumigramMaxPictureBytes) throw Failure(kBadArgument, "over 2 MiB");
+  const std::optional<Kind> kind = KindFromSignature(bytes);
+  if (!kind) throw Failure(kUnsupported, "neither a GIF nor a PNG nor a JPEG picture");
+  return InspectPicture(*kind, std::move(bytes));
 }
 
 void FindInBlobs(const Picture& picture, Reading* reading) {
@@ -89,6 +105,7 @@ Failure Explained(const std::string& path, const Failure& failure, Access access
 }
 
 Picture ReadPicture(const std::string& path) {
+  if (path == kStandardInput) return ReadStandardInput();
   OpenedPicture file;
   return ReadPicture(path, OpenedPicture::Purpose::kToRead, &file);
 }

@@ -33,8 +33,11 @@ struct Picture {
 // Returns the failure with the reason that a look at the file gives, if there is one.
 Failure Explained(const std::string& path, const Failure& failure, Access access = Access::kRead);
 
-// Reads the picture at a path, which must name a regular file. The second form leaves it open. Throw
-// Failure.
+// Stands for standard input where it is the only path.
+inline constexpr char kStandardInput[] = "-";
+
+// Reads the picture at a path, which must name a regular file, or of standard input. The second form
+// leaves the file open, and is not for standard input. Throw Failure.
 Picture ReadPicture(const std::string& path);
 Picture ReadPicture(const std::string& path, OpenedPicture::Purpose purpose, OpenedPicture* file);
 

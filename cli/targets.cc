@@ -154,6 +154,20 @@ class Repetitions {
   std::vector<std::string> roots_;  // real paths of the folders, with a slash at the end
 };
 
+// ---- standard input -----------------------------------------------------------------------------
+
+class StandardInput : public Targets {
+ public:
+  std::optional<Target> Next() override {
+    if (std::exchange(isTaken_, true)) return std::nullopt;
+    return Target{kStandardInput};
+  }
+  size_t Count(const std::stop_token&) override { return 1; }
+
+ private:
+  bool isTaken_ = false;
+};
+
 // ---- all paths ----------------------------------------------------------------------------------
 
 class PathTargets : public Targets {
@@ -229,6 +243,9 @@ class PathTargets : public Targets {
 
 std::unique_ptr<Targets> FindTargets(std::vector<std::string> paths, bool recursive,
                                      Purpose purpose) {
+  if (paths.size() == 1 && paths[0] == kStandardInput && !recursive) {
+    return std::make_unique<StandardInput>();
+  }
   return std::make_unique<PathTargets>(std::move(paths), recursive, purpose);
 }
 

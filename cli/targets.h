@@ -34,7 +34,8 @@ class Targets {
 // that is written is a target once, whatever the number of its names and of the paths to it.
 enum class Purpose { kRead, kWrite };
 
-// Finds the pictures that the paths name, in the order of the paths. With `recursive`, a folder
+// Finds the pictures that the paths name, in the order of the paths; for a single "-", that of
+// standard input. With `recursive`, a folder
 // gives the pictures below it in the order of their names; links to folders are not followed. Holds
 // the names of one folder and of those above it.
 std::unique_ptr<Targets> FindTargets(std::vector<std::string> paths, bool recursive,

@@ -566,6 +566,46 @@ def test_together(folder):
     report("two tools on one picture", [name for name in contents() if name.startswith(".lumigram-")])
 
 
+# A command, the sample on standard input, the exit status, the sample or file that standard output equals, and the errors.
+ALONE = "lumigram: - is standard input: the only path, without -r, --backup and --from -; ./- is a file\n"
+INPUT = [
+    ("set --category q -", "smile.gif", 0, "changed.gif", "1 written\n"),
+    ("set --from named.json -", "smile.gif", 0, "changed.gif", "1 written\n"),
+    ("set --category face -", "smile.gif", 0, "smile.gif", "0 written, 1 unchanged\n"),
+    ("clear -", "star.png", 0, "bare.png", "1 written\n"),
+    ("set --category q -", "cut.png", 1, "empty.gif", "-: damaged or truncated picture (-30)\n0 written, 1 failed\n"),
+    ("extract EMJ boing.mid -", "smile.gif", 0, "blobs/boing.mid", ""),
+    ("extract EMJ boing.mid - -o smile.gif", "smile.gif", 1, "empty.gif", "smile.gif: is the picture that the blob is taken from (-99)\n"),
+    ("tag color -", "star.png", 0, "color", ""),
+    ("show -", "empty.gif", 1, "empty.gif", "-: no bytes (-99)\n"),
+    ("show -", "README.md", 1, "empty.gif", "-: neither a GIF nor a PNG nor a JPEG picture (-21)\n"),
+    ("check -", "large", 1, "failed", "-: over 2 MiB (-99)\n"),
+    ("show - smile.gif", "smile.gif", 2, "empty.gif", ALONE),
+    ("show -r -", "smile.gif", 2, "empty.gif", ALONE),
+    ("clear --backup -", "smile.gif", 2, "empty.gif", ALONE),
+    ("set --from - -", "named.json", 2, "empty.gif", ALONE),
+    ("set --from named.json", "smile.gif", 2, "empty.gif", "lumigram: named.json: /0/path: expected a file, found -; ./- is one\n"),
+]
+
+
+def test_input(folder):
+    prepare(folder)
+    shutil.copy("smile.gif", "changed.gif")
+    shutil.copy("star.png", "bare.png")
+    run("set --category q changed.gif"), run("clear bare.png")
+    for name, text in (("named.json", '[{"path": "-", "category": "q"}]'), ("large", "GIF89a" + "x" * 2097147), ("color", "value 0\n"), ("failed", "0 fine, 1 failed\n")):
+        pathlib.Path(name).write_text(text)
+    for command, sample, status, expected, errors in INPUT:
+        with open(sample) as given:
+            done = subprocess.run([TOOL, *command.split()], stdin=given, capture_output=True)
+        report(f"{command} <{sample}", done.returncode != status and f"status {done.returncode}", done.stdout != pathlib.Path(expected).read_bytes() and "another output",
+               done.stderr.decode() != errors and done.stderr)
+    control, terminal = pty.openpty()
+    with open("smile.gif") as given:
+        status = subprocess.run([TOOL, "clear", "-"], stdin=given, stdout=terminal, stderr=subprocess.DEVNULL).returncode
+    report("no picture is written to a terminal", status != 2, screen(control, terminal) != "")
+
+
 def test_extract(folder):
     prepare(folder)
     os.chmod("out.bin", 0o640)
@@ -615,7 +655,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_refused_json, test_from, test_backup, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_backup, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_input, test_extract, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
