@@ -262,7 +262,7 @@ class PictureTest {
       "gif,one,two,false", "jpg,one,two,false", "png,AAB,AAC,false", "gif,AAB,AAC,false",
       "png,EMJx,EMJy,false", "gif,EMJx,EMJy,false", "gif,data.bin,data.bim,false"})
   void
-  whatOthersChangeIsNotLost(String kind, String old, String change, boolean written)
+  whatOthersChangeIsNotLost(String kind, String old, String now, boolean isWritten)
       throws Exception {
     File file = picture(kind);
     File blob = Files.writeString(blob().toPath(), "A".repeat(700) + "B").toFile();
@@ -270,15 +270,15 @@ class PictureTest {
     PictureInfo info = NEW.withLabel("one");
     written(file, kind.equals("jpg") ? info : info.withBlob("t", "EMJx", blob));
     Picture picture = Picture.read(file);
-    edit(file, old, change);
-    if (written) {
+    edit(file, old, now);
+    if (isWritten) {
       picture.write(picture.info().withType("t"));
     } else {
       PictureException e =
           assertThrows(PictureException.class, () -> picture.write(NEW.withLabel("x")));
       assertEquals(Status.CHANGED, e.status());
     }
-    assertTrue(Files.readString(file.toPath(), ISO_8859_1).contains(change));
+    assertTrue(Files.readString(file.toPath(), ISO_8859_1).contains(now));
   }
 
   @Test
