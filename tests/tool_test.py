@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The command line tool from end to end, on copies of the samples: tests/tool_test.py [PROGRAM]"""
+"""The command line tool from end to end, on copies of the samples: tests/tool_test.py [PROGRAM [--fail-fast]]"""
 import contextlib
 import fcntl
 import json
@@ -27,6 +27,8 @@ def report(name, *faults):
     outcome = "FAIL" if any(faults) else "PASS"
     counts[outcome] += 1
     print(outcome, name, *(f"\n    {fault}" for fault in faults if fault))
+    if outcome == "FAIL" and "--fail-fast" in sys.argv:
+        sys.exit(1)
 
 
 def run(command, stdin=""):
