@@ -1,7 +1,6 @@
 #include "cli/backup.h"
 
 #include <errno.h>
-#include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,16 +13,6 @@ namespace {
 
 Failure FailureOf(const std::string& path, const std::string& words = "") {
   return FailureOfSystem(kCannotWrite, "the backup " + Quoted(path) + words);
-}
-
-// Some file systems have no rename with flags, others no links. Where link() is used, the end of
-// the file's scope removes its first name.
-bool NameUnlessTaken(const std::string& path, NewFile* file) {
-  if (renameat2(AT_FDCWD, file->Path(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-    file->Keep();
-    return true;
-  }
-  return (errno == EINVAL || errno == ENOSYS) && link(file->Path(), path.c_str()) == 0;
 }
 
 // Syncs the file that is there, too: the run that wrote it may have been killed before it did.

@@ -15,6 +15,7 @@
 #include "cli/batch.h"
 #include "cli/change_file.h"
 #include "cli/changes.h"
+#include "cli/extract_all.h"
 #include "cli/json.h"
 #include "cli/spelling.h"
 #include "cli/update.h"
@@ -22,21 +23,6 @@
 
 namespace lumigram::cli {
 namespace {
-
-// ---- running over pictures ----------------------------------------------------------------------
-
-std::string Describe(const Tally& tally,
-                     const std::vector<std::pair<Outcome::Type, const char*>>& words) {
-  std::string line;
-  for (const auto& [kind, word] : words) {
-    const size_t count = tally.counts[kind];
-    if (count == 0 && kind != words.front().first) continue;
-    line += (line.empty() ? "" : ", ") + std::to_string(count) + " " + word;
-  }
-  return line;
-}
-
-// ---- rewriting ----------------------------------------------------------------------------------
 
 bool IsStandardInput(const Options& options) {
   return options.paths.size() == 1 && options.paths[0] == kStandardInput;
@@ -142,14 +128,13 @@ Changes OnlyChanges(const Options& options, Targets* objects) {
 
 // ---- extract ------------------------------------------------------------------------------------
 
-const Blob& FindBlob(const Picture& picture, const Options& options) {
+const Blob& FindBlob(const Picture& picture, const std::string& label, const std::string& name) {
   for (const Blob& blob : picture.blobs) {
-    if (ToUtf8(blob.label).starts_with(ToUtf8(options.label)) &&
-        ToUtf8(blob.name) == ToUtf8(options.name)) {
+    if (ToUtf8(blob.label).starts_with(ToUtf8(label)) && ToUtf8(blob.name) == ToUtf8(name)) {
       return blob;
     }
   }
-  throw Failure(kBadBlob, "no blob " + Quoted(options.name) + " labelled " + Quoted(options.label));
+  throw Failure(kBadBlob, "no blob " + Quoted(name) + " labelled " + Quoted(label));
 }
 
 }  // namespace
@@ -163,6 +148,17 @@ std::unique_ptr<Targets> TargetsOf(const Options& options, Purpose purpose) {
         "is a file");
   }
   return FindTargets(options.paths, options.recursive, purpose);
+}
+
+std::string Describe(const Tally& tally,
+                     const std::vector<std::pair<Outcome::Type, const char*>>& words) {
+  std::string line;
+  for (const auto& [kind, word] : words) {
+    const size_t count = tally.counts[kind];
+    if (count == 0 && kind != words.front().first) continue;
+    line += (line.empty() ? "" : ", ") + std::to_string(count) + " " + word;
+  }
+  return line;
 }
 
 int ExitStatusOf(const Tally& tally, Console* console) {
@@ -293,20 +289,26 @@ int ShowTag(const Options& options, Console* console) {
 }
 
 int Extract(const Options& options, Console* console) {
+  if (options.allBlobs) return ExtractAll(options, console);
+  if (options.paths.size() != 3) {
+    throw UsageError("extract: expected LABEL NAME PICTURE, or --all -d FOLDER PICTURES");
+  }
+  if (!options.folder.empty()) throw UsageError("extract: -d is for --all");
+  const std::string &label = options.paths[0], &name = options.paths[1], &source = options.paths[2];
   const bool toStandardOutput = options.output.empty() || options.output == "-";
   if (toStandardOutput && console->IsTerminal()) {
     throw UsageError("extract: a blob is not written to a terminal; name a file with -o");
   }
-  const bool isInput = options.picture == kStandardInput;
-  const std::string* path = &options.picture;  // of what fails
+  const bool isInput = source == kStandardInput;
+  const std::string* path = &source;  // of what fails
   try {
-    const Picture picture = ReadPicture(options.picture);
-    const std::string& bytes = FindBlob(picture, options).bytes;
+    const Picture picture = ReadPicture(source);
+    const std::string& bytes = FindBlob(picture, label, name).bytes;
     if (!toStandardOutput) path = &options.output;
     // A redirection has opened the file of standard output, so that it cannot be replaced.
     if (toStandardOutput || AreSameFile(options.output, "/dev/stdout")) {
       console->Print(bytes);
-    } else if (AreSameFile(options.output, isInput ? "/dev/stdin" : options.picture)) {
+    } else if (AreSameFile(options.output, isInput ? "/dev/stdin" : source)) {
       throw Failure(kCannotWrite, "is the picture that the blob is taken from");
     } else {
       WriteFile(options.output, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});

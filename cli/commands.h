@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/batch.h"
@@ -28,13 +29,15 @@ struct Options {
   std::vector<std::string> paths;
   bool recursive = false;
   bool json = false, blobs = false;
-  std::string name, label, picture, output, from;
+  std::string name, output, from;
   std::string copyFrom, copyTo;
   std::vector<std::string> labels, removedLabels, renamedLabels, tags, removedTags, embeds;
   std::optional<std::string> category, type;
   bool filesAnywhere = false;
   RewriteOptions rewrite;
   FindOptions find;
+  bool allBlobs = false;
+  std::string folder;  // for all blobs
 
   std::string Source() const { return from == "-" ? "standard input" : from; }
 };
@@ -55,6 +58,11 @@ int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite
 
 // As FindTargets(), for the paths of a command line. Throws UsageError.
 std::unique_ptr<Targets> TargetsOf(const Options& options, Purpose purpose);
+
+// Describes the numbers of the outcomes, with a word for each. The first one is there even if it
+// is 0.
+std::string Describe(const Tally& tally,
+                     const std::vector<std::pair<Outcome::Type, const char*>>& words);
 
 // The exit status after a run over pictures. Reports an interruption.
 int ExitStatusOf(const Tally& tally, Console* console);

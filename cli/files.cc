@@ -85,4 +85,14 @@ void WriteFile(const std::string& path, Bytes bytes) {
   throw FailureOfSystem(kCannotWrite);
 }
 
+bool NameUnlessTaken(const std::string& path, NewFile* file) {
+  // Some file systems have no rename with flags, others no links. Where link() is used, the end of
+  // the file's scope removes its first name.
+  if (renameat2(AT_FDCWD, file->Path(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
+    file->Keep();
+    return true;
+  }
+  return (errno == EINVAL || errno == ENOSYS) && link(file->Path(), path.c_str()) == 0;
+}
+
 }  // namespace lumigram::cli

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/write/opened_picture.h"
+#include "core/write/temporary_file.h"
 
 namespace lumigram::cli {
 
@@ -36,6 +37,9 @@ bool AreSameFile(const std::string& a, const std::string& b);
 // mode; a new one appears under its name when it is complete; anything else, such as a pipe, is
 // written to. Throws Failure; a regular file is then the old one.
 void WriteFile(const std::string& path, std::span<const uint8_t> bytes);
+
+// Gives a new file its path, unless something is there. False with errno set.
+bool NameUnlessTaken(const std::string& path, NewFile* file);
 
 }  // namespace lumigram::cli
 

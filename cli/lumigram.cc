@@ -242,13 +242,19 @@ class CommandLine {
   }
 
   void AddExtract() {
-    CLI::App* const app =
-        AddCommand("extract", "Write one blob to a file or standard output", Extract);
-    AddText(app, "LABEL", &options_.label, "The blob's label, or its beginning")->required();
-    AddText(app, "NAME", &options_.name, "The blob's name")->required();
-    AddText(app, "PICTURE", &options_.picture, "The picture; - is standard input")->required();
+    CLI::App* const app = AddCommand(
+        "extract", "Write one blob to a file or standard output, or all to a folder", Extract);
     AddText(app, "-o,--output", &options_.output, "The file to write; default: standard output")
         ->type_name("FILE");
+    app->add_flag("--all", options_.allBlobs, "Write all blobs, each as FOLDER/PICTURE/NAME");
+    AddText(app, "-d,--directory", &options_.folder, "The folder for --all")->type_name("FOLDER");
+    app->add_flag("--force", options_.rewrite.force, "With --all, replace files that exist");
+    app->add_flag("-r,--recursive", options_.recursive,
+                  "With --all, include the pictures in folders");
+    AddTexts(app, "WORDS", &options_.paths,
+             "LABEL (or its beginning), NAME, PICTURE (- is standard input); with --all PICTURES")
+        ->expected(-1)
+        ->required();
   }
 
   void AddCheck() {

@@ -91,6 +91,16 @@ std::string Escaped(std::string_view text) {
   return escaped + Printable(text);
 }
 
+std::string FileName(std::string_view stored) {
+  std::string name;
+  ForEachCharacter(stored, [&](uint32_t code, std::string_view) {
+    const bool isUnsafe = code == kNoCharacter || code < 0x20 || IsUnseen(code) || code == '/' ||
+                          (code == '.' && name.empty());
+    Append(isUnsafe ? '_' : code, &name);
+  });
+  return name.empty() ? "_" : name;
+}
+
 std::string PrintableJson(std::string_view json) {
   std::string printable;
   ForEachCharacter(json, [&](uint32_t code, std::string_view bytes) {

@@ -32,6 +32,10 @@ std::string Printable(std::string_view text);
 // The same, with \\ for a backslash: the text can be restored.
 std::string Escaped(std::string_view text);
 
+// Returns a file name for a stored text: "_" takes the place of slashes, of a dot at the beginning, of
+// bytes that are no text and of characters that Printable() escapes.
+std::string FileName(std::string_view stored);
+
 // Returns a JSON text in which no string holds characters that control a terminal or change the
 // direction of writing.
 std::string PrintableJson(std::string_view json);

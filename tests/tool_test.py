@@ -156,6 +156,9 @@ COMMANDS = [
     ("set --backup --category c classic.gif", 1, '!classic.gif: the backup "classic.gif~": File exists (-99)\n'),
     ("set --replace --label only smile.gif plain.png", 0, "2 written\n"),
     ("clear smile.gif heart.png plain.png", 0, "2 written, 1 unchanged\n"),
+    ("extract EMJ smile.gif", 2, "!lumigram: extract: expected LABEL NAME PICTURE, or --all -d FOLDER PICTURES\n"),
+    ("extract --all smile.gif", 2, "!lumigram: extract: --all needs -d FOLDER\n"),
+    ("extract --all -d star.png smile.gif", 2, '!lumigram: extract: -d "star.png": Not a directory\n'),
     ("extract EMJ boing.mid smile.gif -o link.gif", 1, "!link.gif: is the picture that the blob is taken from (-99)\n"),
     ("extract EMJ boing.mid smile.gif -o /dev/full", 1, "!/dev/full: No space left on device (-99)\n"),
     ("extract EMJ boing.mid smile.gif -o none/x", 1, "!none/x: No such file or directory (-99)\n"),
@@ -624,6 +627,32 @@ def test_extract(folder):
            not os.path.islink("link.bin"), os.stat("out.bin").st_mode & 0o777 != 0o640, os.stat("new.bin").st_mode & 0o111)
 
 
+# The names of a picture's blobs, and those of the files.
+BLOBS = [(b"a", "a"), (b"a", "a~2"), (b"../a", "_._a"), (b".h", "_h"), (b"", "_"), (b"n\x1b\xff\xe2\x80\xae", "n___"), (b"_", "_~2"), (b"x" * 256, "x" * 255),
+         (b"\xed\xa0\xbd\xed\xb8\x80" * 42 + b"abc", "😀" * 42 + "abc"), ("é".encode() * 127 + b"b", "é" * 127 + "b"), ("é".encode() * 127 + b"b", "é" * 126 + "~2")]
+
+
+def test_extract_all(folder):
+    prepare(folder)
+    pathlib.Path("names.png").write_bytes(png("", *[blob(b"EMJ", name) for name, _ in BLOBS]))
+    command = "extract --all -d out/put ./names.png ../pictures/smile.gif plain.png cut.png"
+    done, again = run(command), run(command)
+    files = {str(path)[8:]: path.read_bytes() for path in pathlib.Path("out/put").rglob("*") if path.is_file()}
+    expected = {f"names.png/{name}": b"data" for _, name in BLOBS}
+    expected |= {f"__/pictures/smile.gif/{name}": pathlib.Path(f"blobs/{name}").read_bytes() for name in ("boing.mid", "motion.json")}
+    report("extract all blobs", done != (1, "2 extracted, 1 without blobs, 1 failed\n", "cut.png: damaged or truncated picture (-30)\n") and done, files != expected and files)
+    report("extract all blobs again", again[:2] != (1, "0 extracted, 1 without blobs, 3 failed\n") and again,
+           "./names.png: out/put/names.png/a: File exists; --force replaces it (-99)\n" not in again[2])
+    os.mkdir("out/put/smile.gif")
+    os.symlink(folder / "out.bin", "out/put/smile.gif/motion.json")
+    os.symlink(folder / "[sub]", "out/put/heart.png")
+    before = contents(), os.listdir("[sub]")
+    refused, there = run("extract --all -d out/put smile.gif"), sorted(os.listdir("out/put/smile.gif"))
+    forced = run("extract --force --all -d out/put heart.png smile.gif")
+    report("no link is followed", refused[0] != 1, there != ["boing.mid", "motion.json"] and there, forced != (1, "1 extracted, 1 failed\n", "heart.png: out/put/heart.png: Not a directory (-99)\n") and forced,
+           (contents(), os.listdir("[sub]")) != before, pathlib.Path("out/put/smile.gif/motion.json").read_bytes() != expected["__/pictures/smile.gif/motion.json"])
+
+
 def interrupt(folder):
     """Ctrl-C after the first ten of a thousand pictures. None if a busy machine was late, and all were done by then."""
     shutil.rmtree(folder)
@@ -657,7 +686,7 @@ def test_thousand(folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory(dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as work_folder:
-        for test in (test_commands, test_refused_json, test_from, test_backup, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_input, test_extract, test_thousand):
+        for test in (test_commands, test_refused_json, test_from, test_backup, test_find, test_copy, test_losing, test_texts, test_terminal, test_shortages, test_round_trip, test_storing, test_together, test_input, test_extract, test_extract_all, test_thousand):
             test(pathlib.Path(work_folder) / "pictures")
         os.chdir(ROOT)
     print(f"{counts['PASS']} passed, {counts['FAIL']} failed")
