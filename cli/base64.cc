@@ -2,11 +2,23 @@
 
 #include <stdint.h>
 
+#include <array>
+
 namespace lumigram::cli {
 namespace {
 
 constexpr std::string_view kDigits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// The value of each character; -1 for one that is no digit.
+constexpr auto kValues = [] {
+  std::array<int8_t, 256> values = {};
+  values.fill(-1);
+  for (size_t i = 0; i < kDigits.size(); ++i) {
+    values[static_cast<uint8_t>(kDigits[i])] = static_cast<int8_t>(i);
+  }
+  return values;
+}();
 
 }  // namespace
 
@@ -26,8 +38,8 @@ std::optional<std::string> FromBase64(std::string_view text) {
   std::string bytes;
   uint32_t bits = 0, count = 0;
   for (const char digit : text.substr(0, text.find('='))) {
-    const size_t value = kDigits.find(digit);
-    if (value == std::string_view::npos) return std::nullopt;
+    const int8_t value = kValues[static_cast<uint8_t>(digit)];
+    if (value < 0) return std::nullopt;
     bits = bits << 6 | static_cast<uint32_t>(value);
     count += 6;
     if (count < 8) continue;

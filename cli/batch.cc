@@ -177,6 +177,7 @@ class Batch {
   void Finish(Slot* slot, Result result) {
     const std::lock_guard lock(mutex_);
     slot->result = std::move(result);
+    slot->target.changes.reset();  // A result that waits for earlier ones needs only the path.
     ready_.notify_one();
   }
 
