@@ -168,6 +168,7 @@ class PictureTest {
     Tag keep = new Tag("u", "file://THIS/data");
     PictureInfo two = NEW.withTags(List.of(Tag.ofBlob("t", "EMJ", blob()), keep));
     refuses(png, most().withLabel("x"), "11 labels, 1 over the limit of 10 (OVER_LIMIT, 1)");
+    refuses(png, most().withTag("z", ""), "101 tags, 1 over the limit of 100");
     refuses(png, less.withTag("あ", ""), "\" has 11 tags, 1 over the limit");
     refuses(png, less.withTag("g", ""), "\" has 11 tags, 1 over the limit of 10 (OVER_LIMIT, 1)");
     refuses(png, less.withTag("u", "").withTag("v", ""), "11 groups of tags, 1 over");
@@ -190,7 +191,9 @@ class PictureTest {
     refuses(png, NEW.withBlob("t", "EMJ456789012", blob()), "its label has 12 bytes, 1 over");
     refuses(png, NEW.withBlob("t", "XMJ", blob()), "does not begin with EMJ (UNUSABLE_BLOB, 3)");
     refuses(png, NEW.withBlob("t", "EMJ", folder), "there is no file");
-    refuses(png, NEW.withTags(List.of(keep)), "is not in the picture");
+    refuses(
+        png, NEW.withTags(List.of(new Tag("t", ""), keep)), "tag 2: the blob \"data\" is not in");
+    refuses(png, NEW.withBlob("t", "EMJ", "name", new byte[0]), "is empty (UNUSABLE_BLOB, 3)");
     refuses(png, two, "cannot be told by its name from that of tag 2 (DUPLICATE_BLOB, -50)");
     refuses(picture("jpg"), two, "has no place in a JPEG");
   }
