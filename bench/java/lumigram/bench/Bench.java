@@ -10,8 +10,11 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 import java.util.concurrent.CountDownLatch;
+import lumigram.Picture;
 import lumigram.jni.LumigramAttrInfo;
 import lumigram.jni.LumigramAttrUpdate;
+import lumigram.jni.LumigramBytes;
+import lumigram.jni.LumigramFiles;
 import lumigram.jni.LumigramJni;
 
 /**
@@ -21,7 +24,8 @@ import lumigram.jni.LumigramJni;
  *
  * <pre>
  * Bench read FOLDER...
- *     batches, against reading the files whole in Java; and two threads, against one
+ *     batches, against reading the files whole in Java; two threads, against one; and the typed
+ *     API, against the native batches beneath it
  * Bench write PICTURES FOLDER...
  *     a record written into copies of the pictures in each folder, against bench/yardstick.c, whose
  *     library the property lumigram.yardstick names
@@ -109,6 +113,37 @@ public final class Bench {
     Object[] infos = infos(whole.length);
     compare(row + ", batches of " + size, 300, whole.length,
         () -> readBatches(whole, infos, size), () -> readWhole(whole));
+  }
+
+  /**
+   * The typed API against the native batch beneath it, that batch against the specified one, and
+   * both from bytes against from files.
+   */
+  private static void measureTyped(String row, String[] paths) throws IOException {
+    int count = paths.length;
+    List<File> files = new ArrayList<>();
+    List<byte[]> pictures = new ArrayList<>();
+    for (String path : paths) {
+      files.add(new File(path));
+      pictures.add(Files.readAllBytes(Path.of(path)));
+    }
+    byte[][] bytes = pictures.toArray(new byte[0][]);
+    byte[] kinds = new byte[count];
+    for (int i = 0; i < count; ++i) {
+      kinds[i] = (byte) LumigramBytes.findKind(bytes[i]);
+    }
+    Object[] infos = infos(count);
+    long[] fingerprints = new long[2 * count];
+    byte[] results = new byte[count];
+    Work nativeFiles = () -> LumigramFiles.readPictures(paths, infos, fingerprints, results);
+    Work nativeBytes = () -> LumigramBytes.readPictures(bytes, kinds, infos, fingerprints, results);
+    Work typedFiles = () -> Picture.readAll(files);
+    Work typedBytes = () -> Picture.readAllBytes(pictures);
+    Work specified = () -> LumigramJni.getLumigramAttrInfo(paths, infos, results);
+    compare(row + ", LumigramFiles to LumigramJni", 300, count, nativeFiles, specified);
+    compare(row + ", Picture.readAll to LumigramFiles", 300, count, typedFiles, nativeFiles);
+    compare(row + ", LumigramBytes to LumigramFiles", 300, count, nativeBytes, nativeFiles);
+    compare(row + ", readAllBytes to readAll", 300, count, typedBytes, typedFiles);
   }
 
   private interface Task {
@@ -230,6 +265,7 @@ public final class Bench {
         measureBatches(row, paths, size);
       }
       measureThreads(row, paths);
+      measureTyped(row, paths);
     }
   }
 
