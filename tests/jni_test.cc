@@ -523,6 +523,18 @@ TEST_F(JniRewrite, AFailureOfTheMachineLeavesThePictureAlone) {
     EXPECT_EQ(status, isWritten ? 0 : -99);
     EXPECT_EQ(ReadWhole(path_) == seen_, !isWritten);
   });
+  bool happened = true;
+  for (int nth = 0; happened; ++nth) {
+    folder_.Write("a.png", seen_);
+    {
+      const FailCalls fail(kAllCalls, nth / 2, EIO,
+                           nth % 2 == 0 ? FailCalls::kOnce : FailCalls::kFromThenOn);
+      status = Rewrite(path_, &old, false);
+      happened = fail.Happened();
+    }
+    EXPECT_TRUE((std::set<int>{0, -20, -30, -99, 7}.contains(status))) << nth << ": " << status;
+    EXPECT_EQ(ReadWhole(path_) == seen_, status != 0) << nth;
+  }
 }
 
 TEST_F(JniRewrite, BytesAreRewrittenLikeFiles) {

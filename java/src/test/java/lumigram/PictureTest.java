@@ -244,6 +244,8 @@ class PictureTest {
     assertEquals(text, picture.info().toString());
     assertEquals(picture.info(), Picture.read(picture.file()).info());
     assertEquals(picture.file().length(), picture.fileSize());
+    picture.write(picture.info().withLabel("one").withoutLabel("one"));
+    assertEquals("[two]", Picture.read(picture.file()).info().labels().toString());
     picture.write(first);
     picture.write(first);
     assertEquals("no metadata", Picture.read(picture.file()).info().toString());
@@ -256,6 +258,38 @@ class PictureTest {
       assertThrows(IllegalStateException.class, way);
     }
     assertThrows(PictureException.class, () -> picture.write(first));
+  }
+
+  /** Each of two objects counts the category up, again and again when the other was faster. */
+  @Test
+  void noWriteOfTwoObjectsIsLost() throws Exception {
+    File file = picture("png");
+    written(file, NEW.withCategory("0"));
+    Executable count = () -> {
+      for (int done = 0; done < 20;) {
+        Picture picture = Picture.read(file);
+        int next = Integer.parseInt(picture.info().category()) + 1;
+        try {
+          picture.write(picture.info().withCategory("" + next));
+          done++;
+        } catch (PictureException e) {
+          assertEquals(Status.CHANGED, e.status(), e::getMessage);
+        }
+      }
+    };
+    Thread other = new Thread(() -> assertDoesNotThrow(count));
+    other.start();
+    assertDoesNotThrow(count);
+    other.join();
+    assertEquals("40", Picture.read(file).info().category());
+  }
+
+  @Test
+  void popPicturesAreKnown() throws Exception {
+    File file = picture("gif");
+    assertFalse(Picture.read(file).isPop());
+    edit(file, "\0;", "\0!\u00FF\u000BHTMLEMJI1.0\1\1\0;");
+    assertTrue(Picture.read(file).isPop());
   }
 
   static final String COMMENT = "\0\0\0!tEXtComment\0see <label> in the manualCRC.";
