@@ -30,12 +30,14 @@ class LibraryLoaderTest {
 
   /** Prints the result of a call with the property java.vm.name of the argument, if any. */
   public static class Call {
-    public static void main(String[] vmName) {
+    public static void main(String[] vmName) throws Exception {
       if (vmName.length > 0) {
         System.setProperty("java.vm.name", vmName[0]);
       }
       try {
         System.out.print(LumigramJni.getLumigramTagInfo(null, null, null));
+        System.setProperty("lumigram.library.path", "gone");
+        Class.forName("lumigram.jni.LumigramFiles");  // does not load the library again
       } catch (UnsatisfiedLinkError error) {
         System.out.print(error.getMessage());
       }
