@@ -64,6 +64,6 @@ cpack --config "$build/CPackConfig.cmake" -B "$work" && deb=$(echo "$work"/*.deb
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:[A-Z]*=//p' "$build/CMakeCache.txt")
 same "the package" "lumigram_${version}_$(dpkg --print-architecture).deb needs libc6" \
   "${deb##*/} needs $(dpkg-deb -f "$deb" Depends | grep -ow libc6)"
-files=$(sed 's|man1/.*|&.gz|' <<<"$files"; printf 'share/doc/lumigram/%s\n' changelog.gz copyright lumigram.spdx)
-same "packed files" "$(sort <<<"$files")" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
+files+=$'\n'$(printf 'share/doc/lumigram/%s\n' changelog.gz copyright lumigram.spdx)
+same "packed files" "$(sort <<<"${files/lumigram.1/lumigram.1.gz}")" "$(dpkg-deb -x "$deb" "$work/root" && cd "$work/root/usr" && find . -type f | cut -c 3- | sort)"
 [ $failures -eq 0 ]
