@@ -49,9 +49,10 @@ Backup::Backup(const std::string& path, const OpenedPicture& picture) : path_(pa
     isOurs_ = true;
   }
   if (SyncFolderOf(path)) return;
-  const Failure failure = FailureOf(path, " cannot be made durable");
+  const int error = errno;
   if (isOurs_) unlink(path.c_str());  // the destructor is not called
-  throw failure;
+  errno = error;
+  throw FailureOf(path, " cannot be made durable");
 }
 
 Backup::~Backup() {
