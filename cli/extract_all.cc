@@ -75,7 +75,7 @@ std::string TakeName(const std::string& blob, std::set<std::string>* taken) {
   const std::string wanted = FileName(blob);
   for (int number = 1;; ++number) {
     const std::string suffix = number == 1 ? "" : "~" + std::to_string(number);
-    const std::string name = std::string(Cut(wanted, NAME_MAX - suffix.size())) + suffix;
+    std::string name = std::string(Cut(wanted, NAME_MAX - suffix.size())) + suffix;
     if (taken->insert(name).second) return name;
   }
 }
