@@ -172,6 +172,21 @@ int ExitStatusOf(const Tally& tally, Console* console) {
                                                                               : kSomeFailed;
 }
 
+// Rewrites a picture without storing it. The output is the new picture, or describes the change.
+static Outcome ShowRewrite(const std::string& path, bool passesOn,
+                           const std::function<std::optional<Picture>(const Picture&)>& rewrite,
+                           const Console& console) {
+  const Picture picture = ReadPicture(path);
+  const std::optional<Picture> built = rewrite(picture);
+  Outcome outcome = {built ? Outcome::kWritten : Outcome::kUnchanged, ""};
+  if (passesOn) {
+    outcome.output = TextOf(built ? built->bytes : picture.bytes);
+  } else if (built) {
+    outcome.output = console.DescribeChange(path, picture, *built);
+  }
+  return outcome;
+}
+
 int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite,
                Console* console) {
   const bool dryRun = options.rewrite.dryRun;
@@ -188,14 +203,7 @@ int RewriteAll(Targets* targets, const Options& options, const Rewriter& rewrite
     };
     Outcome outcome = {Outcome::kUnchanged, ""};
     if (dryRun || passesOn) {
-      const Picture picture = ReadPicture(target.path);
-      const std::optional<Picture> built = rewriteThis(picture);
-      if (built) outcome.type = Outcome::kWritten;
-      if (passesOn) {
-        outcome.output = TextOf(built ? built->bytes : picture.bytes);
-      } else if (built) {
-        outcome.output = console->DescribeChange(target.path, picture, *built);
-      }
+      outcome = ShowRewrite(target.path, passesOn, rewriteThis, *console);
     } else if (UpdatePicture(target.path, options.rewrite.backupSuffix, rewriteThis)) {
       outcome.type = Outcome::kWritten;
     }

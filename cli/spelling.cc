@@ -65,7 +65,7 @@ std::string ToJava(std::string_view text) {
   return stored;
 }
 
-bool IsJavaSpelling(std::string_view text) { return ToJava(ToUtf8(text)) == text; }
+bool IsJavaSpelling(std::string_view stored) { return ToJava(ToUtf8(stored)) == stored; }
 
 std::string Printable(std::string_view text) {
   std::string printable;

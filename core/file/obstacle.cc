@@ -18,7 +18,8 @@
 namespace lumigram {
 namespace {
 
-using std::string_view_literals::operator""sv;
+// clang-tidy 14 does not see the use of literals.
+using std::string_view_literals::operator""sv;  // NOLINT(misc-unused-using-decls)
 
 // A format that is not one of ours: how its files start, and a mark at an offset.
 struct Format {
