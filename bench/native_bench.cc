@@ -3,6 +3,8 @@
 //   read/...         reading each kind in each folder. "ratio" compares with the yardstick: open,
 //                    fstat, read of the whole file, close
 //   read N KiB/...   reading pictures of growing size: "ns_per_byte", and the ratio
+//   bytes N KiB/...  reading the same pictures in memory. "ratio" compares with one pass over the
+//                    bytes, a sum
 //   entries/...      reading and writing with growing numbers of tags and blobs: "ns_per_entry"
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,10 +16,12 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <numeric>
 #include <thread>
 
 #include "bench/paired.h"
 #include "bench/pictures.h"
+#include "tests/support/bytes.h"
 
 namespace lumigram::bench {
 namespace {
@@ -33,6 +37,12 @@ void ReadWhole(const std::string& path) {
   Require(fd >= 0 && fstat(fd, &status) == 0);
   Require(read(fd, contents, static_cast<size_t>(status.st_size)) == status.st_size);
   close(fd);
+}
+
+FileType TypeOf(const std::string& path) {
+  FileType type = kFileTypeUnknown;
+  Require(GetFileType(path.c_str(), &type) == kLumigramOk);
+  return type;
 }
 
 char document[kLumigramDocumentBufferBytes];
@@ -69,8 +79,9 @@ void Write(const std::string& path, const AttrInfo& record) {
   fclose(stream);
 }
 
-void Register(const std::string& name, std::function<void(benchmark::State&)> run) {
-  benchmark::RegisterBenchmark(name.c_str(), run)
+benchmark::internal::Benchmark* Register(const std::string& name,
+                                         std::function<void(benchmark::State&)> run) {
+  return benchmark::RegisterBenchmark(name.c_str(), run)
       ->UseManualTime()
       ->Unit(benchmark::kMicrosecond)
       ->MinTime(0.5);
@@ -94,6 +105,30 @@ void RegisterSizes(const std::string& folder) {
                  state.counters["ns_per_byte"] =
                      state.counters["us"] * 1e3 / static_cast<double>(size);
                });
+    }
+  }
+}
+
+// The pictures of a round are all the same, because one takes less time than the clock can tell.
+void RegisterBytes(const std::string& folder) {
+  for (size_t size = 1024; size <= kLumigramMaxPictureBytes; size *= 2) {
+    for (const PictureSet& set : BuildPicturesOfSize(folder, size)) {
+      const std::vector<uint8_t> bytes = test::ReadWhole(set.paths[0]);
+      const FileType type = TypeOf(set.paths[0]);
+      const auto read = [bytes, type](const std::string&) {
+        memset(document, 0, strlen(document));
+        int32_t height = 0, width = 0, pop = 0;
+        Require(GetXmlStringFromBytes(bytes.data(), bytes.size(), type, document, &height, &width,
+                                      &pop) == kLumigramNoDocument);
+      };
+      const auto pass = [bytes](const std::string&) {
+        benchmark::DoNotOptimize(std::accumulate(bytes.begin(), bytes.end(), 0u));
+      };
+      Register("bytes " + std::to_string(size / 1024) + " KiB/" + set.name, [=](benchmark::State&
+                                                                                    state) {
+        MeasurePaired(state, std::vector<std::string>(100), read, pass);
+        state.counters["ns_per_byte"] = state.counters["us"] * 1e3 / static_cast<double>(size);
+      })->MinTime(0.002);  // The sum takes a thousand times as long.
     }
   }
 }
@@ -156,6 +191,7 @@ int main(int argc, char** argv) {
   fs::create_directory(built);
   for (int i = 1; i < argc; ++i) RegisterFolder(argv[i]);
   RegisterSizes(built.string());
+  RegisterBytes(built.string());
   RegisterEntries(built.string());
   const IdleThread idle;
   benchmark::RunSpecifiedBenchmarks();
